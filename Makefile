@@ -1,0 +1,29 @@
+# Thin wrapper around CMake: `make demo`, `make test`, `make release`, `make bench`.
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+CMAKE ?= cmake
+RELEASE_DIR := build/release
+TEST_DIR := build/test
+BENCH_DIR := build/bench
+
+.PHONY: all release demo test bench clean
+
+all: release
+
+release:
+	$(CMAKE) -S . -B $(RELEASE_DIR) -DCMAKE_BUILD_TYPE=Release -DMORVANE_TESTS=OFF
+	$(CMAKE) --build $(RELEASE_DIR) -j $(JOBS)
+
+demo: release
+	./$(RELEASE_DIR)/Cli/morvane -h
+
+test:
+	$(CMAKE) -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=ON -DMORVANE_WERROR=$(if $(WERROR),ON,OFF)
+	$(CMAKE) --build $(TEST_DIR) -j $(JOBS)
+	cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
+
+bench:
+	$(CMAKE) -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DMORVANE_TESTS=OFF -DMORVANE_BENCH=ON
+	$(CMAKE) --build $(BENCH_DIR) -j $(JOBS)
+
+clean:
+	rm -rf build
