@@ -1,0 +1,45 @@
+// One bit of a signal, stored as its letter.
+#ifndef MORVANE_CORE_SIMULATION_BITSTATE_H
+#define MORVANE_CORE_SIMULATION_BITSTATE_H
+
+namespace Morvane {
+
+/// The underlying value is the letter; tests on states ignore case, storage keeps it as it came.
+enum class BitState : char
+{
+    Low = 'L',           // driven low
+    High = 'H',          // driven high
+    Undefined = 'u',     // initial state, also a conflict
+    UndefinedCap = 'U',  // from z translation and from widened stimuli
+    Tristate = 'z',      // a released output
+    DontCare = 'x',      // matches any bit in an expected value
+    PullUp = 'p',        // weak high
+    PullDown = 'n',      // weak low
+    Marker = 'Q',        // the value of an event that re-evaluates a component
+};
+
+constexpr char lower_letter(char c)
+{
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+constexpr char letter(BitState s)
+{
+    return static_cast<char>(s);
+}
+
+/// True for L and H in either case.
+constexpr bool is_binary(char c)
+{
+    char l = lower_letter(c);
+    return l == 'l' || l == 'h';
+}
+
+constexpr bool is_binary(const BitState& s)
+{
+    return is_binary(letter(s));
+}
+
+}  // namespace Morvane
+
+#endif  // MORVANE_CORE_SIMULATION_BITSTATE_H
