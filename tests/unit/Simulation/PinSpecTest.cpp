@@ -1,0 +1,85 @@
+#include "Core/Simulation/PinSpec.h"
+
+#include "Core/Support/Error.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+TEST(PinSpecTest, ExpressionsGiveIndicesWithDenseZeroLast)
+{
+    struct Case
+    {
+        const char* expression;
+        std::vector<int> indices;
+        int highest;
+    };
+    const Case cases[] = {
+        {"7:4", {4, 5, 6, 7}, 7},
+        {"3:0", {0, 1, 2, 3}, 3},
+        {"0:3", {3, 2, 1, 0}, 3},
+        {"1;3;5", {5, 3, 1}, 5},
+        {"2", {2}, 2},
+        {"5;1:0;9", {9, 0, 1, 5}, 9},
+        {"3:3", {3}, 3},
+        {"1;", {1}, 1},
+        {" 2: 1", {1, 2}, 2},
+        {"3:0,7", {0, 1, 2, 3}, 3},
+    };
+    for (const Case& c : cases) {
+        PinSpec spec(c.expression);
+        EXPECT_EQ(spec.indices(), c.indices) << c.expression;
+        EXPECT_EQ(spec.size(), static_cast<int>(c.indices.size())) << c.expression;
+        EXPECT_EQ(spec.highest_bit(), c.highest) << c.expression;
+        EXPECT_EQ(spec.expression(), c.expression);
+    }
+}
+
+TEST(PinSpecTest, InvalidExpressionsThrow)
+{
+    for (const char* expression : {"-1", "4:x", "x", "1:-2", "1;;2", ";", ":3", "2 :1"}) {
+        try {
+            PinSpec spec(expression);
+            ADD_FAILURE() << "no exception for " << expression;
+        } catch (const Error& e) {
+            EXPECT_EQ(e.message(), std::string("Invalid pin spec expression: '") + expression + "'.");
+        }
+    }
+}
+
+TEST(PinSpecTest, NumericConstructorMatchesTheText)
+{
+    for (auto [a, b] : {std::pair{7, 0}, {0, 3}, {5, 5}}) {
+        PinSpec numeric(a, b);
+        PinSpec text(numeric.expression());
+        EXPECT_EQ(numeric.expression(), std::to_string(a) + ":" + std::to_string(b));
+        EXPECT_EQ(numeric.indices(), text.indices());
+    }
+}
+
+TEST(PinSpecTest, MapsBetweenDenseAndSparse)
+{
+    PinSpec spec("7:4");
+    EXPECT_EQ(spec.dense_to_sparse(0), 4);
+    EXPECT_EQ(spec.sparse_to_dense(6), 2);
+    EXPECT_TRUE(spec.includes_bit(7));
+    EXPECT_FALSE(spec.includes_bit(3));
+    EXPECT_FALSE(spec.includes_bit(-1));
+    try {
+        spec.sparse_to_dense(3);
+        FAIL() << "no exception";
+    } catch (const Error& e) {
+        EXPECT_EQ(e.message(), "Cannot find bit 3 in PinSpec.");
+    }
+}
+
+TEST(PinSpecTest, EmptyExpressionIsTheIdentityWithSizeZero)
+{
+    PinSpec identity("");
+    EXPECT_EQ(identity.size(), 0);
+    EXPECT_EQ(identity.highest_bit(), 0);
+    EXPECT_TRUE(identity.includes_bit(1000));
+    EXPECT_FALSE(identity.includes_bit(-3));
+    EXPECT_EQ(identity.dense_to_sparse(12), 12);
+    EXPECT_EQ(identity.sparse_to_dense(12), 12);
+}

@@ -1,0 +1,109 @@
+#include "Core/Support/NumberText.h"
+
+#include <climits>
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+TEST(NumberTextTest, PatternsAreSearches)
+{
+    struct Case
+    {
+        const char* text;
+        bool hex;
+        bool has_hex;
+        bool input_bits;
+        bool output_bits;
+        bool time;
+    };
+    const Case cases[] = {
+        {"1aF", true, true, false, false, false},  {"zz 1", false, true, false, false, false},
+        {"HLuz", false, false, true, true, false}, {"HLx", false, false, false, true, false},
+        {"10", true, true, false, false, true},    {"1.5 ms", false, true, false, false, true},
+        {"3ns", false, true, false, false, true},  {"10 kHz", false, true, false, false, false},
+        {"", false, false, false, false, false},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(is_hex(c.text), c.hex) << c.text;
+        EXPECT_EQ(contains_hex(c.text), c.has_hex) << c.text;
+        EXPECT_EQ(is_input_bit_stream(c.text), c.input_bits) << c.text;
+        EXPECT_EQ(is_output_bit_stream(c.text), c.output_bits) << c.text;
+        EXPECT_EQ(is_time_str(c.text), c.time) << c.text;
+    }
+}
+
+TEST(NumberTextTest, IsADecimalNumber)
+{
+    const std::pair<std::string, bool> cases[] = {
+        {"8", true}, {"-1", true}, {"", true}, {"8x", false}, {"0x10", false}, {" 12", true},
+    };
+    for (auto [text, expected] : cases)
+        EXPECT_EQ(is_a_decimal_number(text), expected) << text;
+}
+
+TEST(NumberTextTest, StrToNumberTriesTheFormsInOrder)
+{
+    const uint64_t all_ones = ~uint64_t{0};
+    const std::pair<const char*, uint64_t> cases[] = {
+        {"0x10", 16},
+        {"0X1f", 31},
+        {"$ff", 255},
+        {"0b101", 5},
+        {"12", 12},
+        {"hello", all_ones},
+        {"0b102", 2},
+        {"abc12", 12},
+        {"10ns", 10},
+        {"a$10 0x2", 2},
+        {"0xffffffffffffffff", all_ones},
+    };
+    for (const auto& [text, number] : cases)
+        EXPECT_EQ(str_to_number(text), number) << text;
+    EXPECT_EQ(static_cast<int>(str_to_number("none")), -1);
+    try {
+        str_to_number("0x10000000000000000");
+        FAIL() << "no exception";
+    } catch (const std::out_of_range& e) {
+        EXPECT_STREQ(e.what(), "stoul");
+    }
+}
+
+TEST(NumberTextTest, StrToTime)
+{
+    const std::pair<const char*, int> cases[] = {
+        {"10 us", 10000}, {"1.5ms", 1500000}, {"2 s", 2000000000}, {"3", 3},        {"xyz", 0},
+        {"10ns", 10},     {"7 n s", 7},       {"2.9", 2},          {"-4us", -4000}, {"5 s", INT_MIN},
+    };
+    for (const auto& [text, ns] : cases)
+        EXPECT_EQ(str_to_time(text), ns) << text;
+}
+
+TEST(NumberTextTest, TimeToStrPicksTheUnitAndPrecision)
+{
+    struct Case
+    {
+        long long ns;
+        int decimals;
+        const char* text;
+    };
+    const Case cases[] = {
+        {0, 0, "0 ns"},
+        {999, 0, "999 ns"},
+        {100, 0, "100 ns"},
+        {1000, 0, "1 us"},
+        {1500, 0, "1.5 us"},
+        {2500000, 0, "2.5 ms"},
+        {1000000000, 0, "1 s"},
+        {1234567891, 0, "1.234567891 s"},
+        {-5, 0, "-5 ns"},
+        {1500, 1, "1.5 us"},
+        {1000, 1, "1.0 us"},
+        {5, 1, "5.0 ns"},
+        {1234567, 3, "   1.235 ms"},
+        {20000, 2, "20.00 us"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(time_to_str(c.ns, c.decimals), c.text) << c.ns << " " << c.decimals;
+}
