@@ -1,17 +1,11 @@
 #include "Core/Simulation/ValueText.h"
 
 #include "Core/Simulation/BitState.h"
+#include "Core/Support/StringUtils.h"
 
 #include <utility>
 
 namespace {
-
-// Blanks only: tabs and other white space are left to the caller's trimming.
-std::string remove_spaces(std::string& text)
-{
-    std::erase(text, ' ');
-    return text;
-}
 
 char upper_letter(char c)
 {
