@@ -95,7 +95,8 @@ void EventSimulator::_run_same_time_actions()
     for (std::size_t i = 0; i < _same_time_actions.size(); ++i) {
         _same_time_actions[i].run(this);
         if (--countdown == 0)
-            throw Error("1000 iterations in same time-event loop: probably a circuit/net circular dependency");
+            throw Error(
+                "1000 iterations in same time-event loop: probably a circuit/net circular dependency");
     }
     _same_time_actions.clear();
 }
@@ -122,19 +123,21 @@ void EventSimulator::_request(int time, EvalAction&& action)
 void EventSimulator::_print_components_to_evaluate() const
 {
     TLog log("Event Simulator Status for t=%d", _time);
-    auto print_action = [&log](const char* format, const EvalAction& action) {
-        log(format, action.component != nullptr ? action.component->instance_name().c_str() : "-",
+    // One literal format, so the compiler checks it; only the indentation differs.
+    auto print_action = [&log](const char* indent, const EvalAction& action) {
+        log("%sC=%s N=%s P=%s V=%s", indent,
+            action.component != nullptr ? action.component->instance_name().c_str() : "-",
             action.net != nullptr ? action.net->name().c_str() : "-",
             action.port != nullptr ? action.port->name().c_str() : "-", action.value.c_str());
     };
     log("- Same time actions:");
     for (const EvalAction& action : _same_time_actions)
-        print_action("  C=%s N=%s P=%s V=%s", action);
+        print_action("  ", action);
     log("- Future actions:");
     for (const auto& [time, slot] : _actions) {
         log("  t=%d:", time);
         for (const EvalAction& action : slot)
-            print_action("    C=%s N=%s P=%s V=%s", action);
+            print_action("    ", action);
     }
 }
 

@@ -1,0 +1,325 @@
+#include "Core/Simulation/Net.h"
+
+#include "Core/Simulation/Port.h"
+#include "Core/Support/Error.h"
+#include "Core/Support/TLog.h"
+
+#include <algorithm>
+#include <string>
+
+using Morvane::BitState;
+using Morvane::Inout;
+using Morvane::Input;
+using Morvane::Inside;
+using Morvane::IntExtQual;
+using Morvane::Output;
+using Morvane::Outside;
+
+Net::Net(int width) : Net("", width) {}
+
+Net::Net(const std::string& name, int width) : BaseObject(name), ValueHistory(static_cast<unsigned>(width)) {}
+
+Net::~Net()
+{
+    for (PinSpec* spec : _owned_pin_specs)
+        delete spec;
+    for (Port* port : _ports) {
+        if (port->net(Inside) == this)
+            port->set_net(nullptr, Inside);
+        if (port->net(Outside) == this)
+            port->set_net(nullptr, Outside);
+    }
+    if (_destruction_callback)
+        _destruction_callback(this);
+}
+
+void Net::add(Port* port, IntExtQual q)
+{
+    _check_net_side(q, port);
+    _check_size(port);
+    _add(q, port);
+}
+
+void Net::add(Port* port, PinSpec* spec, IntExtQual q)
+{
+    _check_net_side(q, port);
+    if (static_cast<unsigned>(spec->size()) != port->size())
+        throw Error("Port and pin-spec sizes does not match: %d bits in port and %d bits in pin-spec.",
+                    static_cast<int>(port->size()), spec->size());
+    _pin_specs[port] = spec;
+    _add(q, port);
+}
+
+void Net::add(Port* port, int a, int b, IntExtQual q)
+{
+    auto* spec = new PinSpec(a, b);
+    _owned_pin_specs.insert(spec);
+    add(port, spec, q);
+}
+
+void Net::_check_net_side(IntExtQual q, Port* port)
+{
+    Net* taken = port->net(q);
+    if (taken == nullptr)
+        return;
+    // The text names the port's inside net; a port that has only an outside one names that.
+    Net* named = port->net(Inside) != nullptr ? port->net(Inside) : taken;
+    throw Error("The port '%s' already belongs to net '%s' (on the %s), and is being attempted to be added "
+                "to net '%s'.",
+                port->name().c_str(), named->name().c_str(), q == Outside ? "outside" : "inside",
+                name().c_str());
+}
+
+void Net::_check_size(Port* port)
+{
+    if (size() == 0)
+        _set_size(port->size());
+    if (port->size() != size())
+        throw Error("The port '%s' has size %d, but is added to net '%s' with size %d.", port->name().c_str(),
+                    static_cast<int>(port->size()), name().c_str(), static_cast<int>(size()));
+}
+
+void Net::_add(IntExtQual q, Port* port)
+{
+    _ports.push_back(port);
+    port->set_net(this, q);
+}
+
+void Net::remove(Port* port)
+{
+    _pin_specs.erase(port);
+    std::erase(_ports, port);
+    if (port->net(Inside) == this)
+        port->set_net(nullptr, Inside);
+    else
+        port->set_net(nullptr, Outside);
+}
+
+void Net::disconnect_ports()
+{
+    for (Port* port : _ports) {
+        if (port->net(Inside) == this)
+            port->set_net(nullptr, Inside);
+        if (port->net(Outside) == this)
+            port->set_net(nullptr, Outside);
+    }
+    _ports.clear();
+}
+
+void Net::disconnect_port(Port* port, IntExtQual q)
+{
+    port->set_net(nullptr, q);
+}
+
+void Net::steal_all_ports(Net* other)
+{
+    for (Port* port : other->_ports) {
+        if (port->net(Inside) == other) {
+            port->set_net(nullptr, Inside);
+            add(port, Inside);
+        }
+        if (port->net(Outside) == other) {
+            port->set_net(nullptr, Outside);
+            add(port, Outside);
+        }
+    }
+    // Pin specs stay behind: the other net gets this one's, and this one keeps none.
+    other->_pin_specs = _pin_specs;
+    _pin_specs.clear();
+    other->_ports.clear();
+}
+
+void Net::collect_connected_nets(std::set<Net*>& nets)
+{
+    nets.insert(this);
+    for (Port* port : _ports) {
+        if (port->dir() != Inout)
+            continue;
+        Net* outside = port->net(Outside);
+        if (outside != nullptr && nets.count(outside) == 0)
+            outside->collect_connected_nets(nets);
+        Net* inside = port->net(Inside);
+        if (inside != nullptr && nets.count(inside) == 0)
+            inside->collect_connected_nets(nets);
+    }
+}
+
+Value Net::value(int time, const Port* port) const
+{
+    if (_pin_specs.empty())
+        return ValueHistory::value(time);
+    auto it = _pin_specs.find(port);
+    if (it == _pin_specs.end())
+        return ValueHistory::value(time);
+    Value whole = ValueHistory::value(time);
+    Value narrowed(static_cast<int>(port->size()));
+    for (unsigned i = 0; i < narrowed.size(); ++i)
+        narrowed[i] = whole[static_cast<unsigned>(it->second->dense_to_sparse(static_cast<int>(i)))];
+    return narrowed;
+}
+
+Value Net::local_value(int time, bool follow)
+{
+    PortDriveStatus status(static_cast<int>(size()));
+    for (Port* port : _ports) {
+        if (port->drives(this)) {
+            status.record_value(port->value(time));
+            continue;
+        }
+        if (!follow || port->dir() != Inout || port->net(Outside) != this)
+            continue;
+        Net* inner = port->net(Inside);
+        if (inner != nullptr && inner->size() == size())
+            status.record_value(inner->local_value(time, true));
+    }
+    return status.resulting_value();
+}
+
+void Net::compute_value(int time, Value& out)
+{
+    if (out.size() != size())
+        out.set_size(size());
+    if (_compute_value_fast(time, out))
+        return;
+    for (unsigned bit = 0; bit < size(); ++bit)
+        out[bit] = Morvane::letter(_compute_bit_value(bit, time));
+}
+
+bool Net::_compute_value_fast(int time, Value& out)
+{
+    // Without pin specs and tied nets every driver covers every bit at the same place, so reading
+    // each driver once gives the counts, and the first error, of the bit-by-bit walk.
+    if (!_pin_specs.empty())
+        return false;
+    unsigned width = size();
+    PortDriveStatus status(static_cast<int>(width));
+    for (Port* port : _ports) {
+        if (port->dir() == Inout)
+            return false;
+        if (!port->drives(this))
+            continue;
+        Value driven = port->value(time);
+        if (driven.size() != width)
+            return false;
+        const char* letters = driven.c_str();
+        for (unsigned bit = 0; bit < width; ++bit)
+            status.pin(static_cast<int>(bit)).record_value(letters[width - 1 - bit]);
+    }
+    for (unsigned bit = 0; bit < width; ++bit)
+        out[bit] = Morvane::letter(status.pin(static_cast<int>(bit)).resulting_value());
+    return true;
+}
+
+void Net::update(int time, std::set<Net*> visited)
+{
+    Value resolved(static_cast<int>(size()));
+    compute_value(time, resolved);
+    ValueHistory::set(resolved, time);
+
+    bool tied = std::any_of(_ports.begin(), _ports.end(), [](Port* p) { return p->dir() == Inout; });
+    if (tied) {
+        visited.insert(this);
+        _update_connected_nets(time, visited);
+    }
+
+    for (std::size_t i = 0; i < _ports.size(); ++i) {
+        Port* port = _ports[i];
+        Morvane::Dir dir = port->dir();
+        if ((dir == Input && port->net(Outside) == this) || (dir == Output && port->net(Inside) == this))
+            port->set(resolved, time);
+    }
+}
+
+void Net::_update_connected_nets(int time, std::set<Net*>& visited)
+{
+    for (std::size_t i = 0; i < _ports.size(); ++i) {
+        Port* port = _ports[i];
+        if (port->dir() != Inout)
+            continue;
+        Net* other = _get_net_of_other_side(port);
+        // Each branch gets its own copy, so a diamond of nets may update one of them twice.
+        if (other != nullptr && visited.count(other) == 0)
+            other->update(time, visited);
+    }
+}
+
+BitState Net::_compute_bit_value(unsigned bit, int time)
+{
+    std::set<Net*> visited{this};
+    return _get_drive_status(bit, time, visited).resulting_value();
+}
+
+PinDriveStatus Net::_get_drive_status(unsigned bit, int time, std::set<Net*>& visited)
+{
+    PinDriveStatus status;
+    // A later port without a spec reads the place the last spec pointed at; that is intended.
+    unsigned local = bit;
+    for (Port* port : _ports) {
+        auto spec = _pin_specs.find(port);
+        if (spec != _pin_specs.end()) {
+            if (!spec->second->includes_bit(static_cast<int>(bit)))
+                continue;
+            local = static_cast<unsigned>(spec->second->sparse_to_dense(static_cast<int>(bit)));
+        }
+        if (port->drives(this))
+            status.record_value(port->value(time)[local]);
+        if (port->dir() != Inout)
+            continue;
+        Net* other = _get_net_of_other_side(port);
+        if (other == nullptr || visited.count(other) != 0)
+            continue;
+        visited.insert(other);
+        unsigned other_bit = local;
+        auto other_spec = other->_pin_specs.find(port);
+        if (other_spec != other->_pin_specs.end())
+            other_bit = static_cast<unsigned>(other_spec->second->dense_to_sparse(static_cast<int>(local)));
+        status += other->_get_drive_status(other_bit, time, visited);
+    }
+    return status;
+}
+
+Net* Net::_get_net_of_other_side(Port* port) const
+{
+    Net* outside = port->net(Outside);
+    return outside != this ? outside : port->net(Inside);
+}
+
+void Net::print() const
+{
+    std::string names;
+    for (const Port* port : _ports)
+        names += port->name() + " ";
+    TLog log("Net '%s' %p:  %s", name().c_str(), static_cast<const void*>(this), names.c_str());
+    Dict::print();
+}
+
+NetFactory::~NetFactory()
+{
+    for (Net* net : _nets)
+        delete net;
+    _nets.clear();
+}
+
+Net* NetFactory::create(const std::string& name, int width)
+{
+    Net* net = new Net(name, width);
+    _nets.push_back(net);
+    return net;
+}
+
+Net* NetFactory::create(int width)
+{
+    Net* net = new Net(width);
+    _nets.push_back(net);
+    return net;
+}
+
+void NetFactory::garbage_collect()
+{
+    std::erase_if(_nets, [](Net* net) {
+        if (!net->ports().empty())
+            return false;
+        delete net;
+        return true;
+    });
+}

@@ -1,0 +1,113 @@
+// A bundle of wires joining ports, which resolves what its drivers put on it.
+#ifndef MORVANE_CORE_SIMULATION_NET_H
+#define MORVANE_CORE_SIMULATION_NET_H
+
+#include "Core/Circuit/BaseObject.h"
+#include "Core/Simulation/Dir.h"
+#include "Core/Simulation/DriveStatus.h"
+#include "Core/Simulation/PinSpec.h"
+#include "Core/Simulation/ValueHistory.h"
+
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+class Port;
+
+/// On every update the net gathers, bit by bit, what each attached port drives, resolves it, records
+/// the result and hands it to the ports that listen (inputs on their outside, outputs on their inside).
+/// Nets tied together by an inout port are one electrical node: drivers are gathered through the
+/// port and an update passes across. A port narrower than the net covers the bits its pin spec names.
+class Net : public BaseObject, public ValueHistory, public CommentableObject
+{
+public:
+    /// A width of 0 lets the first port attached decide it.
+    explicit Net(int width);
+    Net(const std::string& name, int width);
+    /// Frees its own pin specs, clears the pointers of the ports that point here, then calls the
+    /// destruction callback.
+    ~Net() override;
+
+    Net(const Net&) = delete;
+    Net& operator=(const Net&) = delete;
+
+    /// Attaches a port of the net's width on side q. A port already on a net on that side, or of
+    /// another width, throws Error.
+    void add(Port* port, Morvane::IntExtQual q);
+    /// Attaches a port to the bits that `spec` names; the spec must be as wide as the port.
+    void add(Port* port, PinSpec* spec, Morvane::IntExtQual q);
+    /// The same with a spec "a:b" that the net makes and frees.
+    void add(Port* port, int a, int b, Morvane::IntExtQual q);
+    /// Detaches the port from this net, whichever side it is on.
+    void remove(Port* port);
+    void disconnect_ports();
+    /// Clears the port's pointer only; the port stays in the list.
+    void disconnect_port(Port* port, Morvane::IntExtQual q);
+    /// Takes over all ports of `other`, on the sides they had there. `other` ends with no ports and
+    /// with this net's pin specs, while this net's are dropped.
+    void steal_all_ports(Net* other);
+
+    std::vector<Port*>& ports() { return _ports; }
+    const std::vector<Port*>& ports() const { return _ports; }
+    void set_destruction_callback(std::function<void(Net*)> callback) { _destruction_callback = callback; }
+    /// Adds this net and every net reachable from it through inout ports.
+    void collect_connected_nets(std::set<Net*>& nets);
+
+    /// The recorded value, narrowed to the bits of `port`'s pin spec if it has one here.
+    Value value(int time, const Port* port) const;
+    using ValueHistory::value;
+    /// Resolves this net's own drivers; with `follow`, also those inside the inout ports that hang on
+    /// it from the outside with an inner net of the same width.
+    Value local_value(int time, bool follow);
+    /// Resolves every bit into `out` (made the net's width) and records nothing.
+    void compute_value(int time, Value& out);
+    /// Recomputes and records the value at `time`, updates tied nets not yet in `visited`, and sets
+    /// the listening ports.
+    void update(int time, std::set<Net*> visited);
+
+    void print() const;
+
+    void _add(Morvane::IntExtQual q, Port* port);
+    void _check_size(Port* port);
+    void _check_net_side(Morvane::IntExtQual q, Port* port);
+    void _update_connected_nets(int time, std::set<Net*>& visited);
+    Morvane::BitState _compute_bit_value(unsigned bit, int time);
+    PinDriveStatus _get_drive_status(unsigned bit, int time, std::set<Net*>& visited);
+    /// The port's other net as seen from this one: its outside, unless that is this net.
+    Net* _get_net_of_other_side(Port* port) const;
+    /// Throws std::out_of_range for a port with no spec here.
+    const PinSpec* _pin_spec(const Port* port) const { return _pin_specs.at(port); }
+
+private:
+    /// All bits in one pass over the ports; false, having recorded nothing, where tied nets or pin
+    /// specs need the bit-by-bit walk.
+    bool _compute_value_fast(int time, Value& out);
+
+    std::vector<Port*> _ports;                         // in order of attaching, both sides; not owned
+    std::map<const Port*, const PinSpec*> _pin_specs;  // ports that cover only some bits: which ones
+    std::set<PinSpec*> _owned_pin_specs;               // specs this net made and frees
+    std::function<void(Net*)> _destruction_callback;   // told when the net dies; may be empty
+};
+
+/// Owns the nets it makes.
+class NetFactory
+{
+public:
+    NetFactory() = default;
+    NetFactory(const NetFactory&) = delete;
+    NetFactory& operator=(const NetFactory&) = delete;
+    virtual ~NetFactory();
+
+    Net* create(const std::string& name, int width);
+    Net* create(int width);
+    /// Deletes every net that has no ports left.
+    void garbage_collect();
+    const std::vector<Net*>& nets() const { return _nets; }
+
+private:
+    std::vector<Net*> _nets;  // owned, in order of making
+};
+
+#endif  // MORVANE_CORE_SIMULATION_NET_H

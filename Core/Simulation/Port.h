@@ -1,0 +1,108 @@
+// A named connection point of a component, with a net on either side, and the one-bit pin.
+#ifndef MORVANE_CORE_SIMULATION_PORT_H
+#define MORVANE_CORE_SIMULATION_PORT_H
+
+#include "Core/Circuit/BaseObject.h"
+#include "Core/Simulation/Dir.h"
+#include "Core/Simulation/ValueHistory.h"
+
+#include <string>
+#include <vector>
+
+class Component;
+class Net;
+class ParaMap;
+
+/// Remembers every value it was given, and by its direction decides which nets it drives and which
+/// it hears. The outside net lies in the circuit that holds the component; the inside net exists
+/// for a sub-circuit's own port and for an inout pin.
+///
+/// What the owner reads (value) by direction and attached nets:
+/// - Input: its outside net, or its own history if it has none;
+/// - Output: its inside net, or its own history if it has none;
+/// - Inout: the inside net when both exist (undefined where the two disagree), else the one it has;
+///   with an inside net only, its own history once a stimulus was set.
+/// Bits read from a net as z come out as U unless z translation is off, so an undriven input reads
+/// as undefined.
+class Port : public BaseObject, public CommentableObject, public ValueHistory
+{
+public:
+    Port(int size, Morvane::Dir dir, const std::string& name, Component* component);
+    /// Name, comment, id, size, direction and z translation; no nets, no history, no subscribers.
+    Port(Port* source, Component* component);
+    /// Leaves the outside net, then the inside net.
+    ~Port() override;
+
+    /// Records the value; an output then asks its outside net to recompute at `time`.
+    void set(const Value& value, int time) override;
+    /// The value as the owner sees it, see the class comment. The const form is the recorded value.
+    virtual Value value(int time);
+    using ValueHistory::value;
+    /// The resolved value of this port's own drivers on the net of side q; all u without a net.
+    virtual Value local_net_value(int time, Morvane::IntExtQual q, bool follow);
+    virtual Morvane::Dir dir() const { return _dir; }
+    virtual void set_dir(Morvane::Dir dir) { _dir = dir; }
+    virtual Net* net(Morvane::IntExtQual q) const;
+    /// Changes only this side: the net's port list stays as it is.
+    virtual void set_net(Net* net, Morvane::IntExtQual q);
+    virtual void disable_z_translation() { _z_translation = false; }
+    virtual void enable_z_translation() { _z_translation = true; }
+
+    /// Refreshes the port from its net: set(value(time), time).
+    void update(int time);
+    /// Whether this port is a driver of `net` when the net gathers its drivers.
+    bool drives(const Net* net) const;
+    /// Leaves the net of side q, if any.
+    void disconnect(Morvane::IntExtQual q);
+    bool z_translation() const { return _z_translation; }
+    Component* component() const { return _component; }
+
+    /// The one option "ztr" (on or off), outputs only; anything else throws Error.
+    void set_options(ParaMap& params);
+    void print() const;
+
+protected:
+    /// Every z, in either case, becomes capital U.
+    void _z_translate(Value& value) const;
+
+private:
+    Value _net_value(Net* net, int time);
+
+    Morvane::Dir _dir;            // as seen from the owner
+    Component* _component;        // owner; null when made by a factory
+    Net* _outside_net = nullptr;  // in the holding circuit; not owned
+    Net* _inside_net = nullptr;   // within a sub-circuit or behind an inout pin; not owned
+    bool _z_translation = true;   // z read from a net is handed on as U
+};
+
+/// A one-bit port.
+class Pin : public Port
+{
+public:
+    Pin(Morvane::Dir dir, const std::string& name);
+    Pin(Pin* source, Component* component) : Port(source, component) {}
+
+    /// A stimulus of `count` periods from `start`: L for the first half of each period, H for the
+    /// rest. Nothing for a count below 1.
+    void set_clock_pattern(int period, int count, int start);
+};
+
+/// Owns the ports it makes; they die with it.
+class PortFactory
+{
+public:
+    PortFactory() = default;
+    PortFactory(const PortFactory&) = delete;
+    PortFactory& operator=(const PortFactory&) = delete;
+    virtual ~PortFactory();
+
+    Port* create(int size, Morvane::Dir dir, const std::string& name);
+    Pin* create_pin(Morvane::Dir dir, const std::string& name);
+    /// A pin is copied as a pin.
+    Port* copy(Port* source);
+
+private:
+    std::vector<Port*> _ports;  // owned, in order of making
+};
+
+#endif  // MORVANE_CORE_SIMULATION_PORT_H

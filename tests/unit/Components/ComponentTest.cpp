@@ -1,0 +1,298 @@
+#include "Core/Components/Component.h"
+
+#include "Core/Circuit/Circuit.h"
+#include "Core/Simulation/EventSimulator.h"
+#include "Core/Simulation/Net.h"
+#include "Core/Support/Error.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using Morvane::Inout;
+using Morvane::Input;
+using Morvane::Inside;
+using Morvane::Output;
+using Morvane::Outside;
+
+namespace {
+
+// A part with one delay that records what it was told.
+class Part : public SingleDelayComponent
+{
+public:
+    explicit Part(const std::string& name, int delay = 0) : SingleDelayComponent("DM74LS00", name, delay) {}
+
+    void evaluate(int time) override { evaluations.push_back(time); }
+    void circuit_connect_callback(Circuit* circuit) override { connected_to = circuit; }
+
+    std::vector<int> evaluations;     // ns, times evaluated
+    Circuit* connected_to = nullptr;  // last argument of the callback
+};
+
+// A copy through the base class's copy constructor.
+class Copyable : public Component
+{
+public:
+    explicit Copyable(const std::string& name) : Component("Copyable", name, static_cast<Circuit*>(nullptr))
+    {
+    }
+    explicit Copyable(const Copyable* other) : Component(other) {}
+
+    void evaluate(int) override {}
+    std::vector<std::string> get_valid_param_keys() override { return {}; }
+    void update_after_param_change() override {}
+    void port_changed_value(Port* port, Value&, Value& new_value, int time) override
+    {
+        heard.push_back(port->name() + "=" + new_value.c_str() + "@" + std::to_string(time));
+    }
+
+    std::vector<std::string> heard;  // one line per change of a subscribed port
+};
+
+// Keeps every line as the sink would print it.
+class LineLog : public SimLog
+{
+public:
+    void log(LogLevel level, const char* format, va_list args) override
+    {
+        char line[4096];
+        vsnprintf(line, sizeof line, format, args);
+        lines.push_back(std::to_string(level) + " " + line);
+    }
+    using SimLog::log;
+    void clear() override { lines.clear(); }
+
+    std::vector<std::string> lines;  // level, a blank, the text
+};
+
+}  // namespace
+
+TEST(ComponentTest, InputsAreSubscribedWhenAdded)
+{
+    Copyable c("c");
+    Port* in = c.make_port(4, Input, "in");
+    Port* out = c.make_port(4, Output, "out");
+    Pin* late = c.make_pin(Output, "late");
+    Port foreign(1, Input, "foreign", nullptr);
+    c.add_port(&foreign);
+    late->set_dir(Input);  // subscriptions are made when adding, not later
+    in->set(Value("HHLL"), 5);
+    out->set(Value("HHLL"), 5);
+    late->set(Value("H"), 5);
+    foreign.set(Value("L"), 6);
+    EXPECT_EQ(c.heard, (std::vector<std::string>{"in=HHLL@5", "foreign=L@6"}));
+
+    c.remove_port(&foreign);
+    foreign.set(Value("H"), 7);
+    EXPECT_EQ(c.heard.size(), 2u);
+    EXPECT_FALSE(c.has_port(&foreign));
+
+    c.reset();
+    EXPECT_EQ(in->nof_values(), 0u);
+    in->set(Value("LLLL"), 1);  // still subscribed after the reset
+    EXPECT_EQ(c.heard.back(), "in=LLLL@1");
+}
+
+TEST(ComponentTest, PortLookups)
+{
+    Copyable c("c");
+    Port* bus = c.make_port(8, Input, "d");
+    Pin* first = c.make_pin(Output, "q");
+    Pin* second = c.make_pin(Output, "q");
+    second->set_id("id2");
+    EXPECT_EQ(c.port("d"), bus);
+    EXPECT_EQ(c.port("q"), first);
+    EXPECT_EQ(c.port("x"), nullptr);
+    EXPECT_EQ(c.pin("d"), nullptr);  // a port of that name, but no pin
+    EXPECT_EQ(c.pin("q"), first);
+    EXPECT_EQ(c.port_by_id("id2"), second);
+    EXPECT_TRUE(c.has_port("d"));
+    EXPECT_TRUE(c.has_port_with_id("id2"));
+    EXPECT_FALSE(c.has_port_with_id("nope"));
+    EXPECT_EQ(c.count_ports_with_name("q"), 2);
+    EXPECT_EQ(c.count_ports_with_id("id2"), 1);
+
+    const Copyable& view = c;
+    std::vector<Port*> copy = view.ports();
+    copy.clear();
+    EXPECT_EQ(c.ports().size(), 3u);
+    c.ports().pop_back();
+    EXPECT_EQ(view.ports().size(), 2u);
+    EXPECT_EQ(view.port("q"), first);
+}
+
+TEST(ComponentTest, NullPortsAndRenames)
+{
+    Copyable c("c");
+    const std::string internal = "Internal error: port is NULL in ../Core/Components/Component:128";
+    struct Row
+    {
+        std::function<void()> action;  // adds a null port one way
+    };
+    const Row rows[] = {{[&] { c.add_port(nullptr); }},
+                        {[&] { c.add_pin(nullptr); }},
+                        {[&] { c.add_port_rename(nullptr, "x"); }},
+                        {[&] { c.add_pin_rename(nullptr, "x"); }}};
+    for (const Row& r : rows) {
+        try {
+            r.action();
+            ADD_FAILURE() << "no error";
+        } catch (const Error& e) {
+            EXPECT_EQ(e.message(), internal);
+        }
+    }
+    Pin pin(Input, "old");
+    c.add_pin_rename(&pin, "new");
+    EXPECT_EQ(c.pin("new"), &pin);
+    c.remove_all_ports();
+    EXPECT_TRUE(c.ports().empty());
+}
+
+TEST(ComponentTest, CopyHasNewUnconnectedPortsAndListensToThem)
+{
+    Copyable source("src");
+    source.set_comment_text("note");
+    source.parameters()["delay"] = "4";
+    Port* in = source.make_port(2, Input, "in");
+    Pin* out = source.make_pin(Output, "out");
+    Net net(2);
+    net.add(in, Outside);
+    Copyable copy(&source);
+    EXPECT_EQ(copy.instance_name(), "src");
+    EXPECT_EQ(copy.id(), source.id());
+    EXPECT_EQ(copy.comment_text(), "note");
+    EXPECT_EQ(copy.type_name(), "Copyable");
+    EXPECT_EQ(copy.get_parameter_string(), "(delay=4)");
+    ASSERT_EQ(copy.ports().size(), 2u);
+    EXPECT_NE(copy.port("in"), in);
+    EXPECT_EQ(copy.port("in")->net(Outside), nullptr);
+    EXPECT_NE(copy.pin("out"), nullptr);
+    EXPECT_NE(copy.pin("out"), out);
+    copy.port("in")->set(Value("HL"), 3);
+    in->set(Value("LH"), 4);
+    EXPECT_EQ(copy.heard, std::vector<std::string>{"in=HL@3"});
+    EXPECT_EQ(source.heard, std::vector<std::string>{"in=LH@4"});
+}
+
+TEST(ComponentTest, NamesParametersAndParent)
+{
+    Part part("U1", 5);
+    EXPECT_EQ(part.type_name(), "74LS00");
+    EXPECT_EQ(part.instance_spec(), "U1");
+    ParaMap params("(delay=9,family=LS)");
+    part.set_parameters(params);
+    EXPECT_EQ(part.delay(), 9);
+    EXPECT_EQ(part.instance_spec(), "U1(delay=9,family=LS)");
+    EXPECT_EQ(part.get_diff_parameter_string(ParaMap("(delay=9)")), "(family=LS)");
+    part.set_delay(1);
+    EXPECT_EQ(part.get_parameter_string(), "(delay=9,family=LS)");
+    part.set_parameters(ParaMap("(family=S)"));
+    EXPECT_EQ(part.delay(), 1);  // no key: the delay stays
+    part.set_instance_name("U2");
+    EXPECT_EQ(part.name(), "U2");
+
+    Circuit top("top", nullptr);
+    part.set_parent(&top);
+    EXPECT_EQ(part.parent(), &top);
+    EXPECT_EQ(part.connected_to, &top);
+    EXPECT_EQ(part.aux_info_string(), "");
+}
+
+TEST(ComponentTest, DelayedAndZeroDelayEvaluations)
+{
+    Circuit top("top", nullptr);
+    simulator(&top);
+    Part slow("slow", 7);
+    Part fast("fast", 0);
+    Port* a = slow.make_pin(Input, "a");
+    Port* b = slow.make_pin(Input, "b");
+    Port* c = fast.make_pin(Input, "c");
+    Port source(1, Output, "s", nullptr);
+    Net net(1);
+    net.add(&source, Outside);
+    net.add(c, Outside);
+    a->set(Value("H"), 10);
+    b->set(Value("H"), 10);
+    b->set(Value("H"), 11);  // no change, no evaluation
+    source.set(Value("L"), 12);
+    simulator()->simulate(100);
+    EXPECT_EQ(slow.evaluations, (std::vector<int>{17, 17}));  // one per changed port
+    EXPECT_EQ(fast.evaluations, (std::vector<int>{12}));      // through the same-time list
+    destroy_simulator();
+}
+
+TEST(ComponentTest, UpdateRefreshesPortsFromTheirNets)
+{
+    Copyable c("c");
+    Port* in = c.make_pin(Input, "in");
+    Port* out = c.make_pin(Output, "out");
+    Net outer(1);
+    Net inner(1);
+    outer.add(in, Outside);
+    inner.add(out, Inside);
+    outer.ValueHistory::set(Value("z"), 0);
+    inner.ValueHistory::set(Value("L"), 0);
+    c.update_inputs(4);
+    c.update_outputs(4);
+    EXPECT_STREQ(in->ValueHistory::value(4).c_str(), "U");
+    EXPECT_STREQ(out->ValueHistory::value(4).c_str(), "L");
+    c.disconnect();
+    EXPECT_EQ(in->net(Outside), nullptr);
+    EXPECT_EQ(out->net(Inside), &inner);  // the inside stays
+}
+
+TEST(ComponentTest, ClogPrefixesAndConnectionWarnings)
+{
+    LineLog sink;
+    Circuit top("top", nullptr);
+    Part part("U1");
+    part.make_pin(Input, "a");
+    part.make_pin(Input, "b%%");
+    Port* connected = part.make_pin(Input, "c");
+    part.make_pin(Output, "y");
+    Net net(1);
+    net.add(connected, Outside);
+
+    part.clog(warning, "unheard");  // no parent, no sink
+    part.log(error, "unheard");
+    top.add(&part, false);
+    part.clog(information, "no sink yet");
+    top.set_simlog(&sink);
+
+    part.clog(warning, "at %d%%%%", 50);
+    part.clog(error, 1500, "at %d%%", 50);
+    part.clog(information, 999, "x");
+    part.log(warning, "plain %s", "text");
+    part.check_connections();
+    const std::vector<std::string> want = {
+        "1 [U1(74LS00) in top | WARNING] at 50%",
+        "2 [U1(74LS00) in top | T=1.5 us | ERROR] at 50%",
+        "0 [U1(74LS00) in top | T=999 ns | INFO] x",
+        "1 plain text",
+        "1 [U1(74LS00) in top | WARNING] Input port 'a' of component '74LS00'/'U1' is not connected.",
+        // The composed line is a format once more: the doubled percent sign comes out single.
+        "1 [U1(74LS00) in top | WARNING] Input port 'b%' of component '74LS00'/'U1' is not connected.",
+    };
+    EXPECT_EQ(sink.lines, want);
+}
+
+TEST(ComponentTest, SinkNearestTheRootWins)
+{
+    LineLog root_sink;
+    LineLog sub_sink;
+    Circuit top("top", nullptr);
+    Circuit sub("sub", nullptr);
+    top.add(&sub, false);
+    sub.set_simlog(&sub_sink);
+    EXPECT_EQ(sub.sim_log(), &sub_sink);
+    top.set_simlog(&root_sink);
+    EXPECT_EQ(sub.sim_log(), &root_sink);
+    Part part("U1");
+    sub.add(&part, false);
+    EXPECT_EQ(part.sim_log(), &root_sink);
+    part.clog(warning, "deep");
+    EXPECT_EQ(root_sink.lines, std::vector<std::string>{"1 [U1(74LS00) in sub | WARNING] deep"});
+}

@@ -1,0 +1,243 @@
+#include "Core/Simulation/EventSimulator.h"
+
+#include "Core/Circuit/Circuit.h"
+#include "Core/Simulation/Net.h"
+#include "Core/Simulation/Port.h"
+#include "Core/Support/Error.h"
+
+#include <climits>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
+
+namespace {
+
+// Writes "name@time" (or "name.port@time") into a shared log and may then act.
+class Probe : public Component
+{
+public:
+    Probe(const std::string& name, std::vector<std::string>& log)
+        : Component("Probe", name, static_cast<Circuit*>(nullptr)),
+          _log(log)
+    {
+    }
+
+    void evaluate(int time) override
+    {
+        _log.push_back(instance_name() + "@" + std::to_string(time));
+        if (on_evaluate)
+            on_evaluate(time);
+    }
+    void evaluate_port(int time, Port* port) override
+    {
+        _log.push_back(instance_name() + "." + port->name() + "@" + std::to_string(time));
+        if (on_evaluate)
+            on_evaluate(time);
+    }
+    std::vector<std::string> get_valid_param_keys() override { return {}; }
+    void update_after_param_change() override {}
+
+    std::function<void(int)> on_evaluate;  // runs after the log line
+
+private:
+    std::vector<std::string>& _log;  // shared by all probes of a test
+};
+
+class EventSimulatorTest : public testing::Test
+{
+protected:
+    void SetUp() override { sim = simulator(&root); }
+    void TearDown() override { destroy_simulator(); }
+
+    Probe* probe(const std::string& name)
+    {
+        probes.push_back(std::make_unique<Probe>(name, log));
+        return probes.back().get();
+    }
+
+    Circuit root{"top", nullptr};                // the simulator's circuit
+    EventSimulator* sim = nullptr;               // the global instance
+    std::vector<std::string> log;                // what the probes saw, in order
+    std::vector<std::unique_ptr<Probe>> probes;  // owned here
+};
+
+using Log = std::vector<std::string>;
+
+}  // namespace
+
+TEST_F(EventSimulatorTest, RunsSlotsByTimeAndFirstInFirstOutWithin)
+{
+    Probe* a = probe("a");
+    Probe* b = probe("b");
+    Probe* c = probe("c");
+    sim->request_evaluation(30, a, nullptr);
+    sim->request_evaluation(10, c, nullptr);
+    sim->request_evaluation(10, a, nullptr);
+    sim->request_evaluation(20, b, nullptr);
+    sim->request_evaluation(10, b, nullptr);
+    sim->simulate(100);
+    EXPECT_EQ(log, (Log{"c@10", "a@10", "b@10", "b@20", "a@30"}));
+    EXPECT_EQ(sim->time(), 30);
+    EXPECT_EQ(sim->max_time(), 100);
+}
+
+TEST_F(EventSimulatorTest, SameTimeRequestsRunAfterTheSlot)
+{
+    Probe* a = probe("a");
+    Probe* b = probe("b");
+    Probe* c = probe("c");
+    Probe* d = probe("d");
+    a->on_evaluate = [&](int t) {
+        sim->request_evaluation(t, b, nullptr);
+        sim->request_evaluation(t + 5, d, nullptr);
+    };
+    b->on_evaluate = [&](int t) { sim->request_evaluation(t, d, nullptr); };
+    sim->request_evaluation(10, a, nullptr);
+    sim->request_evaluation(10, c, nullptr);
+    sim->simulate(100);
+    EXPECT_EQ(log, (Log{"a@10", "c@10", "b@10", "d@10", "d@15"}));
+}
+
+TEST_F(EventSimulatorTest, DropsEqualRequestsInSlotsAndSameTimeList)
+{
+    Probe* a = probe("a");
+    Port p(1, Morvane::Input, "p", nullptr);
+    Port q(1, Morvane::Input, "q", nullptr);
+    sim->request_evaluation(10, a, &p);
+    sim->request_evaluation(10, a, &q);
+    sim->request_evaluation(10, a, &p);
+    sim->request_evaluation(10, a, nullptr);
+    int same_time_requests = 0;
+    a->on_evaluate = [&](int t) {
+        // Runs three times at 10; the list keeps what ran, so only the first request gets in.
+        ++same_time_requests;
+        sim->request_evaluation(t, a, &q);
+    };
+    sim->simulate(10);
+    EXPECT_EQ(log, (Log{"a.p@10", "a.q@10", "a@10", "a.q@10"}));
+    EXPECT_EQ(same_time_requests, 4);
+}
+
+TEST_F(EventSimulatorTest, DropsEqualRequestsInLargeSlots)
+{
+    // Past eight actions a slot indexes its entries; order and duplicate dropping must not change.
+    std::vector<Probe*> many;
+    for (int i = 0; i < 40; ++i)
+        many.push_back(probe("p" + std::to_string(i)));
+    for (int round = 0; round < 3; ++round) {
+        for (int i = 0; i < 40; ++i)
+            sim->request_evaluation(7, many[static_cast<std::size_t>(i * 7 % 40)], nullptr);
+    }
+    sim->simulate(7);
+    ASSERT_EQ(log.size(), 40u);
+    for (int i = 0; i < 40; ++i)
+        EXPECT_EQ(log[static_cast<std::size_t>(i)], "p" + std::to_string(i * 7 % 40) + "@7");
+}
+
+TEST_F(EventSimulatorTest, NetRequestsDifferByPortAndValue)
+{
+    Net net(1);
+    Port p(1, Morvane::Output, "p", nullptr);
+    Port q(1, Morvane::Output, "q", nullptr);
+    Port in(1, Morvane::Input, "in", nullptr);
+    net.add(&in, Morvane::Outside);
+    sim->request_evaluation(4, &net, &p, Value("H"));
+    sim->request_evaluation(4, &net, &p, Value("H"));
+    sim->request_evaluation(4, &net, &p, Value("L"));
+    sim->request_evaluation(4, &net, &q, Value("H"));
+    sim->simulate(4);
+    // Three updates at one time: each recomputes from the drivers, here none, and stores z again.
+    EXPECT_EQ(net.nof_values(), 1u);
+    EXPECT_STREQ(net.value(4).c_str(), "z");
+    CaptureStdout();
+    sim->_print_components_to_evaluate();
+    EXPECT_EQ(GetCapturedStdout(), "Event Simulator Status for t=4\n"
+                                   "- Same time actions:\n"
+                                   "- Future actions:\n"
+                                   "  t=4:\n"
+                                   "    C=- N= P=p V=H\n"
+                                   "    C=- N= P=p V=L\n"
+                                   "    C=- N= P=q V=H\n");
+}
+
+TEST_F(EventSimulatorTest, EndTimeIsInclusiveAndSecondRunStartsOver)
+{
+    Probe* a = probe("a");
+    sim->request_evaluation(20, a, nullptr);
+    sim->request_evaluation(21, a, nullptr);
+    sim->simulate(20);
+    EXPECT_EQ(log, (Log{"a@20"}));
+    EXPECT_EQ(sim->time(), 21);  // stopped at the slot it did not run
+    sim->simulate(21);
+    EXPECT_EQ(log, (Log{"a@20", "a@20", "a@21"}));
+    sim->request_evaluation(3, a, nullptr);  // behind the present: lands in a passed slot
+    sim->simulate(21);
+    EXPECT_EQ(log.size(), 6u);
+    EXPECT_EQ(log[3], "a@3");
+}
+
+TEST_F(EventSimulatorTest, EmptyQueueReturnsAtOnceAndResetClears)
+{
+    sim->simulate(100);
+    EXPECT_EQ(sim->time(), no_time);
+    Probe* a = probe("a");
+    sim->request_evaluation(5, a, nullptr);
+    sim->reset(100);
+    sim->simulate(100);
+    EXPECT_TRUE(log.empty());
+}
+
+TEST_F(EventSimulatorTest, StopFlagIsPolledPerSlot)
+{
+    Probe* a = probe("a");
+    volatile bool stop = true;
+    sim->set_stop_variable(&stop);
+    a->on_evaluate = [&](int) { stop = true; };
+    sim->request_evaluation(1, a, nullptr);
+    sim->request_evaluation(2, a, nullptr);
+    sim->simulate(10);  // clears the flag first
+    EXPECT_EQ(log, (Log{"a@1"}));
+    sim->set_stop_variable(nullptr);
+}
+
+TEST_F(EventSimulatorTest, The1002ndSameTimeActionRaisesTheError)
+{
+    std::vector<Probe*> chain;
+    for (int i = 0; i < 1100; ++i)
+        chain.push_back(probe("c" + std::to_string(i)));
+    for (std::size_t i = 0; i + 1 < chain.size(); ++i) {
+        Probe* next = chain[i + 1];
+        chain[i]->on_evaluate = [this, next](int t) { sim->request_evaluation(t, next, nullptr); };
+    }
+    sim->request_evaluation(5, chain[0], nullptr);
+    try {
+        sim->simulate(10);
+        FAIL() << "no error";
+    } catch (const Error& e) {
+        EXPECT_EQ(e.message(),
+                  "1000 iterations in same time-event loop: probably a circuit/net circular dependency");
+    }
+    // The slot's action and 1002 from the list ran.
+    EXPECT_EQ(log.size(), 1003u);
+    EXPECT_EQ(log.back(), "c1002@5");
+    EXPECT_EQ(sim->time(), 5);
+}
+
+TEST_F(EventSimulatorTest, OneInstancePerProcess)
+{
+    Circuit other("other", nullptr);
+    EXPECT_EQ(simulator(&other), sim);
+    EXPECT_EQ(sim->circuit(), &root);
+    try {
+        EventSimulator second(&other);
+        FAIL() << "no error";
+    } catch (const Error& e) {
+        EXPECT_EQ(e.message(), "Simulator already created!\n");
+    }
+    EXPECT_EQ(simulator(), sim);
+}

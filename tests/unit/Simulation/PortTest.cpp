@@ -1,0 +1,242 @@
+#include "Core/Simulation/Port.h"
+
+#include "Core/Circuit/Circuit.h"
+#include "Core/Components/ParaMap.h"
+#include "Core/Simulation/EventSimulator.h"
+#include "Core/Simulation/Net.h"
+#include "Core/Support/Error.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+using Morvane::Inout;
+using Morvane::Input;
+using Morvane::Inside;
+using Morvane::Output;
+using Morvane::Outside;
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+TEST(PortTest, ValueDependsOnDirectionAndNets)
+{
+    struct Row
+    {
+        Morvane::Dir dir;     // of the port
+        const char* own;      // recorded on the port, or null
+        const char* inside;   // recorded on an inside net, or null for none
+        const char* outside;  // recorded on an outside net, or null for none
+        const char* want;     // what the owner reads
+    };
+    const Row rows[] = {
+        {Input, nullptr, nullptr, nullptr, "uu"}, {Input, "zH", nullptr, nullptr, "zH"},
+        {Input, "LL", nullptr, "zH", "UH"},       {Output, "zH", nullptr, nullptr, "zH"},
+        {Output, "LL", "zH", nullptr, "UH"},      {Output, "LL", nullptr, "HH", "LL"},
+        {Inout, "zH", nullptr, nullptr, "UH"},    {Inout, "LL", nullptr, "zH", "UH"},
+        {Inout, "zH", "LL", nullptr, "zH"},       {Inout, nullptr, "zH", nullptr, "UH"},
+        {Inout, "LL", "HL", "HL", "HL"},          {Inout, nullptr, "HL", "HH", "uu"},
+        {Inout, nullptr, "zz", "zZ", "UU"},
+    };
+    for (const Row& r : rows) {
+        Port port(2, r.dir, "p", nullptr);
+        Net inside(2);
+        Net outside(2);
+        if (r.own != nullptr)
+            port.ValueHistory::set(Value(r.own), 0);
+        if (r.inside != nullptr) {
+            inside.add(&port, Inside);
+            inside.set(Value(r.inside), 0);
+        }
+        if (r.outside != nullptr) {
+            outside.add(&port, Outside);
+            outside.set(Value(r.outside), 0);
+        }
+        EXPECT_STREQ(port.value(5).c_str(), r.want)
+            << "dir " << r.dir << " own " << (r.own ? r.own : "-") << " in " << (r.inside ? r.inside : "-")
+            << " out " << (r.outside ? r.outside : "-");
+        port.disconnect(Inside);
+        port.disconnect(Outside);
+    }
+}
+
+TEST(PortTest, ZTranslationCanBeSwitchedOff)
+{
+    Port port(1, Output, "q", nullptr);
+    Net inside(1);
+    inside.add(&port, Inside);
+    inside.set(Value("z"), 0);
+    EXPECT_STREQ(port.value(0).c_str(), "U");
+    ParaMap off("(ztr=off)");
+    port.set_options(off);
+    EXPECT_FALSE(port.z_translation());
+    EXPECT_STREQ(port.value(0).c_str(), "z");
+    ParaMap on("(ztr=on)");
+    port.set_options(on);
+    EXPECT_STREQ(port.value(0).c_str(), "U");
+    port.disconnect(Inside);
+}
+
+TEST(PortTest, OptionErrors)
+{
+    struct Row
+    {
+        Morvane::Dir dir;     // of the port
+        const char* options;  // as in a file
+        const char* want;     // Error text
+    };
+    const Row rows[] = {
+        {Output, "(drive=on)", "Invalid Port option: 'drive'."},
+        {Input, "(ztr=off)", "Invalid Port ztr usage: the ztr can only be used in Outputs."},
+        {Inout, "(ztr=on)", "Invalid Port ztr usage: the ztr can only be used in Outputs."},
+        {Output, "(ztr=Off)", "Invalid Port option: 'ztr' only takes 'on' or 'off' as values."},
+        {Output, "(ztr=off,zz=1)", "Invalid Port option: 'zz'."},
+    };
+    for (const Row& r : rows) {
+        Port port(1, r.dir, "p", nullptr);
+        ParaMap params(r.options);
+        try {
+            port.set_options(params);
+            ADD_FAILURE() << r.options << " accepted";
+        } catch (const Error& e) {
+            EXPECT_EQ(e.message(), r.want);
+        }
+    }
+}
+
+TEST(PortTest, DrivesByDirectionAndSides)
+{
+    Net a(1);
+    Net b(1);
+    Port in(1, Input, "in", nullptr);
+    Port out(1, Output, "out", nullptr);
+    Port tie(1, Inout, "tie", nullptr);
+    Port pad(1, Inout, "pad", nullptr);
+    a.add(&in, Inside);
+    b.add(&in, Outside);
+    a.add(&out, Inside);
+    b.add(&out, Outside);
+    a.add(&tie, Inside);
+    b.add(&tie, Outside);
+    a.add(&pad, Inside);
+    EXPECT_TRUE(in.drives(&a));
+    EXPECT_FALSE(in.drives(&b));
+    EXPECT_FALSE(out.drives(&a));
+    EXPECT_TRUE(out.drives(&b));
+    EXPECT_FALSE(tie.drives(&a));
+    EXPECT_FALSE(tie.drives(&b));
+    EXPECT_FALSE(pad.drives(&a));  // no stimulus yet
+    pad.ValueHistory::set(Value("H"), 0);
+    EXPECT_TRUE(pad.drives(&a));
+}
+
+TEST(PortTest, SetNetTouchesOnlyThePort)
+{
+    Net net(1);
+    Port port(1, Input, "p", nullptr);
+    port.set_net(&net, Outside);
+    EXPECT_EQ(port.net(Outside), &net);
+    EXPECT_TRUE(net.ports().empty());
+    port.set_net(nullptr, Outside);
+    net.add(&port, Outside);
+    EXPECT_EQ(net.ports().size(), 1u);
+    port.disconnect(Outside);
+    EXPECT_TRUE(net.ports().empty());
+    EXPECT_EQ(port.net(Outside), nullptr);
+}
+
+TEST(PortTest, ClockPatternIsLowInTheFirstHalf)
+{
+    Pin clock(Input, "clk");
+    clock.set_clock_pattern(10, 2, 100);
+    std::string record;
+    for (const auto& entry : clock.entries())
+        record += std::to_string(entry.time) + entry.value.c_str() + " ";
+    EXPECT_EQ(record, "100L 105H 110L 115H ");
+    Pin idle(Input, "idle");
+    idle.set_clock_pattern(10, 0, 0);
+    EXPECT_EQ(idle.nof_values(), 0u);
+}
+
+TEST(PortTest, CopyKeepsSettingsButNoNetsOrHistory)
+{
+    Net net(3);
+    Port source(3, Output, "data", nullptr);
+    source.set_comment_text("bus");
+    source.disable_z_translation();
+    net.add(&source, Outside);
+    CaptureStderr();
+    source.set(Value("HLH"), 4);
+    GetCapturedStderr();
+    Port copy(&source, nullptr);
+    EXPECT_EQ(copy.name(), "data");
+    EXPECT_EQ(copy.id(), source.id());
+    EXPECT_EQ(copy.comment_text(), "bus");
+    EXPECT_EQ(copy.size(), 3u);
+    EXPECT_EQ(copy.dir(), Output);
+    EXPECT_FALSE(copy.z_translation());
+    EXPECT_EQ(copy.net(Outside), nullptr);
+    EXPECT_EQ(copy.nof_values(), 0u);
+
+    PortFactory factory;
+    Pin pin(Input, "p");
+    EXPECT_NE(dynamic_cast<Pin*>(factory.copy(&pin)), nullptr);
+    EXPECT_EQ(factory.create(4, Output, "x")->size(), 4u);
+    EXPECT_EQ(factory.create_pin(Input, "y")->size(), 1u);
+}
+
+TEST(PortTest, OutputWithoutSimulatorRecordsAndComplains)
+{
+    ASSERT_EQ(simulator(), nullptr);
+    Net net(1);
+    Port port(1, Output, "q", nullptr);
+    net.add(&port, Outside);
+    CaptureStderr();
+    port.set(Value("H"), 3);
+    EXPECT_EQ(GetCapturedStderr(), "*** ERROR: port 'q' set without simulator. Can't set external net.\n");
+    EXPECT_STREQ(port.ValueHistory::value(3).c_str(), "H");
+}
+
+TEST(PortTest, SetAsksTheNetItDrives)
+{
+    Circuit root("top", nullptr);
+    simulator(&root);
+    Net inside(1);
+    Net outside(1);
+    Net lone(1);
+    Port out(1, Output, "out", nullptr);
+    Port in(1, Input, "in", nullptr);
+    Port tie(1, Inout, "tie", nullptr);
+    Port pad(1, Inout, "pad", nullptr);
+    outside.add(&out, Outside);
+    outside.add(&in, Outside);
+    inside.add(&tie, Inside);
+    outside.add(&tie, Outside);
+    lone.add(&pad, Inside);
+    out.set(Value("H"), 10);
+    in.set(Value("L"), 10);   // an input only records
+    tie.set(Value("L"), 10);  // both nets: it only ties them
+    pad.set(Value("L"), 20);
+    simulator()->simulate(100);
+    EXPECT_STREQ(outside.value(10).c_str(), "H");
+    EXPECT_STREQ(inside.value(10).c_str(), "H");  // tied through the inout port
+    EXPECT_STREQ(lone.value(20).c_str(), "L");
+    EXPECT_EQ(outside.nof_values(), 1u);
+    destroy_simulator();
+}
+
+TEST(PortTest, PrintShowsNameNetAndHistory)
+{
+    Net net("n1", 1);
+    Port port(1, Output, "p", nullptr);
+    net.add(&port, Inside);
+    port.ValueHistory::set(Value("H"), 7);
+    CaptureStdout();
+    port.print();
+    std::string text = GetCapturedStdout();
+    EXPECT_EQ(text.rfind("'p' (0x", 0), 0u) << text;
+    EXPECT_NE(text.find(") (net 'n1' 0x"), std::string::npos) << text;
+    EXPECT_NE(text.find("\n   7: H\n"), std::string::npos) << text;
+    port.disconnect(Inside);
+}
