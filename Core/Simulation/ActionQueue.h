@@ -31,9 +31,9 @@ private:
     void _rebuild_index(std::size_t buckets);
     void _index(std::uint32_t entry, std::size_t hash);
 
-    std::vector<EvalAction> _entries;   // in order of first request
+    std::vector<EvalAction> _entries;         // in order of first request
     std::vector<std::uint32_t> _index_table;  // entry + 1 per bucket, 0 when free; empty while small
-    std::vector<std::size_t> _hashes;   // hash of each entry, kept once indexing starts
+    std::vector<std::size_t> _hashes;         // hash of each entry, kept once indexing starts
 };
 
 #endif  // MORVANE_CORE_SIMULATION_ACTIONQUEUE_H

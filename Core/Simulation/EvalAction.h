@@ -26,8 +26,7 @@ public:
     /// Equal requests are dropped; the value compares one-sided, as Value does.
     bool operator==(const EvalAction& other) const
     {
-        return component == other.component && net == other.net && port == other.port &&
-               value == other.value;
+        return component == other.component && net == other.net && port == other.port && value == other.value;
     }
 
     /// Consistent with operator==: equal actions share their pointers.

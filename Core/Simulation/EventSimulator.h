@@ -59,13 +59,13 @@ private:
 
     static EventSimulator* instance;  // the global instance, or null
 
-    Circuit* _circuit;                         // the root circuit
-    std::map<int, ActionQueue> _actions;       // future queue by time; run slots stay until reset
+    Circuit* _circuit;                              // the root circuit
+    std::map<int, ActionQueue> _actions;            // future queue by time; run slots stay until reset
     std::map<int, ActionQueue>::iterator _current;  // the slot being run
-    ActionQueue _same_time_actions;            // actions requested for the running time
-    int _max_time = 0;                         // ns, last end time of simulate
-    volatile bool* _stop_variable = nullptr;   // external stop request, polled per slot
-    int _time = no_time;                       // ns, the time now running
+    ActionQueue _same_time_actions;                 // actions requested for the running time
+    int _max_time = 0;                              // ns, last end time of simulate
+    volatile bool* _stop_variable = nullptr;        // external stop request, polled per slot
+    int _time = no_time;                            // ns, the time now running
 };
 
 EventSimulator* simulator();
