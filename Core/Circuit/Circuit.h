@@ -19,6 +19,7 @@
 
 class CircuitSpec;
 class Line;
+class MetaDataLine;
 class NetLine;
 class PinLine;
 class PortLine;
@@ -28,10 +29,10 @@ class UnitLine;
 /// Where a net lookup by path ended.
 struct NetLookup
 {
-    std::string circuit_name;     // the last path element walked
-    std::string net_name;         // the last part of the path
-    Circuit* circuit = nullptr;   // where the search ended; null if the walk failed
-    Net* net = nullptr;           // the result, or null
+    std::string circuit_name;    // the last path element walked
+    std::string net_name;        // the last part of the path
+    Circuit* circuit = nullptr;  // where the search ended; null if the walk failed
+    Net* net = nullptr;          // the result, or null
 };
 
 /// A part that a lookup could not find; the loader turns it into a message with the file and line.
@@ -270,6 +271,10 @@ protected:
     void _add_circuit_port(const PortLine& line);
     void _add_circuit_pin(const PinLine& line);
     void _add_net(const NetLine& line);
+    void _add_metadata(const MetaDataLine& line);
+    /// Replaces every instance of the circuit's type but the circuit itself by a copy of the
+    /// declaration; an undeclared type throws Error.
+    void _update_instances_of(Circuit* circuit);
 
 private:
     friend class Component;  // reports renames of parts
@@ -286,20 +291,19 @@ private:
     void _collect_port_paths(const std::string& prefix,
                              std::unordered_map<const Port*, std::string>& paths) const;
     void _replace_declaration_with_copy_of(Circuit* circuit);
-    void _update_instances_of(Circuit* circuit);
 
-    std::string _filename;                               // as the naming file wrote it; "" if none
-    const CircuitSpec* _circuit_spec = nullptr;          // during the load only; not owned
-    NameIndex<Component, false> _components;             // in order of adding; not owned
-    NameIndex<Net, true> _nets;                          // in order of adding; not owned
+    std::string _filename;                                       // as the naming file wrote it; "" if none
+    const CircuitSpec* _circuit_spec = nullptr;                  // during the load only; not owned
+    NameIndex<Component, false> _components;                     // in order of adding; not owned
+    NameIndex<Net, true> _nets;                                  // in order of adding; not owned
     std::map<std::string, std::vector<std::string>> _meta_data;  // values in order of adding
-    std::vector<Comment*> _comments;                     // file comment blocks; owned
-    ComponentFactory _component_factory;                 // owns the parts made and copied here
-    NetFactory _net_factory;                             // owns the nets made here
-    std::vector<std::unique_ptr<Circuit>> _allocated;    // declarations and instances made for files
-    std::set<std::string> _import_paths;                 // directories to search
-    std::vector<Circuit*> _circuit_declarations;         // one per sub-circuit type; parent is this
-    SimLog* _sim_log = nullptr;                          // report sink; not owned
+    std::vector<Comment*> _comments;                             // file comment blocks; owned
+    ComponentFactory _component_factory;                         // owns the parts made and copied here
+    NetFactory _net_factory;                                     // owns the nets made here
+    std::vector<std::unique_ptr<Circuit>> _allocated;            // built for files: declarations, instances
+    std::set<std::string> _import_paths;                         // directories to search
+    std::vector<Circuit*> _circuit_declarations;                 // one per sub-circuit type; parent is this
+    SimLog* _sim_log = nullptr;                                  // report sink; not owned
 };
 
 #endif  // MORVANE_CORE_CIRCUIT_CIRCUIT_H

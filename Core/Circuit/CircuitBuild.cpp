@@ -1,6 +1,5 @@
 // Building a circuit from a parsed circuit file.
 #include "Core/Circuit/Circuit.h"
-
 #include "Core/Circuit/CircuitSpec.h"
 #include "Core/Circuit/Line.h"
 #include "Core/Support/Error.h"
@@ -79,7 +78,7 @@ void Circuit::_build(const CircuitSpec* spec)
     for (const NetLine& line : spec->nets())
         _add_net(line);
     for (const MetaDataLine& line : spec->meta_data())
-        add_meta_data(line.key, line.value);
+        _add_metadata(line);
     for (const std::string& path : spec->import_paths())
         add_import_path(path);
     for (const std::string& text : spec->file_comments())
@@ -109,8 +108,8 @@ void Circuit::_create_components(const UnitLine& line)
         if (c == nullptr)
             c = _make_component_from_circuit(line, name);
         if (c == nullptr)
-            throw Error("Error at %s:%d: Component type not found: '%s'.", line.filename.c_str(), line.line_number,
-                        line.type.c_str());
+            throw Error("Error at %s:%d: Component type not found: '%s'.", line.filename.c_str(),
+                        line.line_number, line.type.c_str());
         // Only the first instance of a line carries its comment.
         c->set_comment_text(comment);
         comment.clear();
@@ -155,8 +154,8 @@ void Circuit::_add_circuit_pin(const PinLine& line)
     for (const std::string& token : line.names) {
         // The token as written, options and all: "a" and "a(ztr=off)" do not collide here.
         if (find_port(token) != nullptr)
-            throw Error("Error in %s:%d: pin/port name duplication '%s'.", line.filename.c_str(), line.line_number,
-                        token.c_str());
+            throw Error("Error in %s:%d: pin/port name duplication '%s'.", line.filename.c_str(),
+                        line.line_number, token.c_str());
         ParaMap params;
         std::string name = _parse_name_and_params(token, params);
         Pin* pin = make_pin(dir, name);
@@ -185,10 +184,16 @@ void Circuit::_add_net(const NetLine& line)
     }
 }
 
+void Circuit::_add_metadata(const MetaDataLine& line)
+{
+    add_meta_data(line.key, line.value);
+}
+
 Port* Circuit::_get_port_with_diag(const std::string& path, const Line& line)
 {
     Port* port = find_port(path);
     if (port == nullptr)
-        throw Error("Error at %s:%d: Port not found: '%s'.", line.filename.c_str(), line.line_number, path.c_str());
+        throw Error("Error at %s:%d: Port not found: '%s'.", line.filename.c_str(), line.line_number,
+                    path.c_str());
     return port;
 }

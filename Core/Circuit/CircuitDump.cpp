@@ -1,6 +1,5 @@
 // The connection check and the printed dump of a circuit.
 #include "Core/Circuit/Circuit.h"
-
 #include "Core/Support/TLog.h"
 
 void Circuit::check_connections()
@@ -23,8 +22,8 @@ void Circuit::print(bool recursive)
             TLog entries;
             int index = 0;
             for (Component* c : components()) {
-                entries("[%d]: '%s' : '%s'  (0x%p)", index++, c->type_name().c_str(), c->instance_name().c_str(),
-                        static_cast<const void*>(c));
+                entries("[%d]: '%s' : '%s'  (0x%p)", index++, c->type_name().c_str(),
+                        c->instance_name().c_str(), static_cast<const void*>(c));
                 auto* sub = dynamic_cast<Circuit*>(c);
                 if (recursive && sub != nullptr)
                     sub->print(true);
@@ -35,8 +34,8 @@ void Circuit::print(bool recursive)
             TLog entries;
             int index = 0;
             for (Circuit* d : _circuit_declarations) {
-                entries("[%d]: '%s' '%s'  (0x%p)", index++, d->type_name().c_str(), d->instance_name().c_str(),
-                        static_cast<const void*>(d));
+                entries("[%d]: '%s' '%s'  (0x%p)", index++, d->type_name().c_str(),
+                        d->instance_name().c_str(), static_cast<const void*>(d));
                 if (recursive)
                     d->print(true);
             }

@@ -1,6 +1,5 @@
 // Where a circuit stands in the tree of files: file names, import paths and paths of data files.
 #include "Core/Circuit/Circuit.h"
-
 #include "Core/Circuit/CircuitSpec.h"
 #include "Core/Support/FileUtils.h"
 
@@ -78,7 +77,8 @@ bool Circuit::is_decendent_of(const Circuit* circuit) const
 const Circuit* Circuit::file_circuit() const
 {
     const Circuit* c = this;
-    while (c->parent() != nullptr && c->_filename.empty() && !ComponentFactory::handles_the_type(c->type_name()))
+    while (c->parent() != nullptr && c->_filename.empty() &&
+           !ComponentFactory::handles_the_type(c->type_name()))
         c = c->parent();
     return c;
 }

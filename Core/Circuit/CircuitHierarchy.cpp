@@ -1,6 +1,5 @@
 // Declarations of sub-circuit types, the deep copy that makes an instance, and swapping instances.
 #include "Core/Circuit/Circuit.h"
-
 #include "Core/Support/Error.h"
 
 #include <algorithm>
@@ -40,7 +39,8 @@ Circuit::Circuit(const Circuit* other, Circuit* parent) : Component(other)
                 const std::string path = it != paths.end() ? it->second : std::string();
                 Port* here = find_port(path);
                 if (here == nullptr)
-                    throw Error("Cann't find port path '%s' in circuit '%s'", path.c_str(), instance_name().c_str());
+                    throw Error("Cann't find port path '%s' in circuit '%s'", path.c_str(),
+                                instance_name().c_str());
                 ports_here.push_back(here);
             }
             Net* copy = make_net(net->name(), ports_here);
@@ -50,8 +50,8 @@ Circuit::Circuit(const Circuit* other, Circuit* parent) : Component(other)
         for (const Circuit* d : other->_circuit_declarations) {
             auto* copy = dynamic_cast<Circuit*>(_component_factory.duplicate(d, this));
             if (copy == nullptr)
-                throw Error("Cannot make a copy of circuit declaration '%s' in circuit '%s'.", d->name().c_str(),
-                            instance_name().c_str());
+                throw Error("Cannot make a copy of circuit declaration '%s' in circuit '%s'.",
+                            d->name().c_str(), instance_name().c_str());
             for (int i = 0; i < d->nof_comments(); ++i)
                 copy->set_comment_text(i, d->get_comment(i)->text());
             if (find_circuit_declaration(copy->type_name()) != nullptr)

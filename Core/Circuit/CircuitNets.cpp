@@ -1,6 +1,5 @@
 // Nets of a circuit and its own ports.
 #include "Core/Circuit/Circuit.h"
-
 #include "Core/Support/Error.h"
 #include "Core/Support/Regex.h"
 

@@ -1,6 +1,5 @@
 // Dotted paths into the hierarchy, in both directions.
 #include "Core/Circuit/Circuit.h"
-
 #include "Core/Support/Error.h"
 #include "Core/Support/StringUtils.h"
 
@@ -79,10 +78,9 @@ Net* Circuit::find_net_throw_error(const std::string& path, const std::string& f
     NetLookup lookup = _find_net(path);
     if (lookup.net != nullptr)
         return lookup.net;
-    std::string text = file.empty()
-                           ? fmt("Error: cannot find net '%s'.\n", lookup.net_name.c_str())
-                           : fmt("Error in %s:%d: cannot find net '%s'.\n", file.c_str(), line,
-                                 lookup.net_name.c_str());
+    std::string text = file.empty() ? fmt("Error: cannot find net '%s'.\n", lookup.net_name.c_str())
+                                    : fmt("Error in %s:%d: cannot find net '%s'.\n", file.c_str(), line,
+                                          lookup.net_name.c_str());
     if (lookup.circuit != nullptr) {
         text += "Available nets:\n";
         for (const Net* net : lookup.circuit->nets())

@@ -12,15 +12,23 @@
 /// kept in step with appends; erasing or renaming a listed object marks it stale, and the next lookup
 /// rebuilds it in one pass. A hit whose name no longer matches also rebuilds, which catches a rename
 /// that nobody reported; a rename into a name that nobody reported is the one thing it cannot see.
+/// Erasing only forgets the object; the list closes its gaps when it is next read, so that freeing
+/// many objects one by one stays linear. An erased object is never dereferenced.
 template <class T, bool last_wins> class NameIndex
 {
 public:
-    const std::vector<T*>& items() const { return _items; }
-    std::size_t size() const { return _items.size(); }
+    const std::vector<T*>& items() const
+    {
+        _compact();
+        return _items;
+    }
+    std::size_t size() const { return items().size(); }
     bool contains(const T* item) const { return _counts.find(item) != _counts.end(); }
 
     void append(T* item)
     {
+        // A freed object's address may come back: its old places must be gone first.
+        _compact();
         _items.push_back(item);
         ++_counts[item];
         if (!_valid)
@@ -36,13 +44,14 @@ public:
     {
         if (_counts.erase(item) == 0)
             return;
-        std::erase(_items, item);
+        _has_gaps = true;
         _valid = false;
     }
 
     /// Every object for which `pred` holds, in one pass.
     template <class Pred> void erase_if(Pred pred)
     {
+        _compact();
         std::erase_if(_items, [this, &pred](T* item) {
             if (!pred(item))
                 return false;
@@ -58,6 +67,7 @@ public:
         _counts.clear();
         _by_name.clear();
         _valid = true;
+        _has_gaps = false;
     }
 
     /// Call when a listed object is about to change its name.
@@ -79,10 +89,18 @@ public:
     }
 
 private:
+    void _compact() const
+    {
+        if (!_has_gaps)
+            return;
+        std::erase_if(_items, [this](const T* item) { return !contains(item); });
+        _has_gaps = false;
+    }
+
     void _rebuild() const
     {
         _by_name.clear();
-        for (T* item : _items) {
+        for (T* item : items()) {
             if (last_wins)
                 _by_name[item->name()] = item;
             else
@@ -91,10 +109,11 @@ private:
         _valid = true;
     }
 
-    std::vector<T*> _items;                                  // in order of appending; not owned
-    std::unordered_map<const T*, int> _counts;               // how often each object is listed
-    mutable std::unordered_map<std::string, T*> _by_name;    // the winner of each name
-    mutable bool _valid = true;                              // false: _by_name is stale
+    mutable std::vector<T*> _items;                        // in order of appending; not owned
+    std::unordered_map<const T*, int> _counts;             // how often each listed object stands there
+    mutable std::unordered_map<std::string, T*> _by_name;  // the winner of each name
+    mutable bool _valid = true;                            // false: _by_name is stale
+    mutable bool _has_gaps = false;                        // _items still holds erased objects
 };
 
 #endif  // MORVANE_CORE_CIRCUIT_NAMEINDEX_H
