@@ -27,30 +27,55 @@ const char* const example_column = "<example>";
 CircuitVerifier::CircuitVerifier(const std::string& ctc_file, const std::string& tv_file, int time)
 {
     auto spec = std::make_unique<CircuitSpec>(ctc_file);
-    _test_sequence = new TestSequence(tv_file);
-    _owns_test_sequence = true;
+    auto sequence = std::make_unique<TestSequence>(tv_file);
     if (time == 0)
-        time = _test_sequence->max_time();
-    auto* circuit = new Circuit(spec->name(), nullptr);
+        time = sequence->max_time();
+    auto circuit = std::make_unique<Circuit>(spec->name(), nullptr);
     circuit->build_from_spec(spec.get());
-    _init(circuit, time);
+    // The spec dies here; nothing may reach it through the circuit afterwards.
+    circuit->forget_circuit_spec();
+    _test_sequence = sequence.release();
+    _owns_test_sequence = true;
+    _circuit = circuit.release();
     _owns_circuit = true;
     _check_outputs = true;
+    try {
+        _init(_circuit, time);
+    } catch (...) {
+        _release();
+        throw;
+    }
 }
 
 CircuitVerifier::CircuitVerifier(Circuit* circuit, TestSequence* sequence, bool check_outputs, int time)
-    : _test_sequence(sequence), _check_outputs(check_outputs)
+    : _test_sequence(sequence),
+      _check_outputs(check_outputs)
 {
     if (time == 0)
         time = sequence->max_time();
-    _init(circuit, time);
+    try {
+        _init(circuit, time);
+    } catch (...) {
+        _release();
+        throw;
+    }
 }
 
 CircuitVerifier::~CircuitVerifier()
 {
+    _release();
+}
+
+void CircuitVerifier::_release()
+{
     destroy_simulator();
     if (_owns_test_sequence)
         delete _test_sequence;
+    _test_sequence = nullptr;
+    // Nothing depends on when the circuit goes; freeing it keeps the leak checker quiet.
+    if (_owns_circuit)
+        delete _circuit;
+    _circuit = nullptr;
 }
 
 void CircuitVerifier::_init(Circuit* circuit, int time)

@@ -53,6 +53,7 @@ public:
 
 private:
     void _init(Circuit* circuit, int time);
+    void _release();
     void _build_driver_pin_list();
     void _put_driver_into_list(const std::string& name);
     void _set_input_values(const TestVector& vector);
@@ -61,18 +62,19 @@ private:
     void _check();
     void _check_port_output(const std::string& name, const TestVector& vector,
                             const OutputValueIndex& expected);
-    void _check_net_output(const std::string& name, const TestVector& vector, const OutputValueIndex& expected);
+    void _check_net_output(const std::string& name, const TestVector& vector,
+                           const OutputValueIndex& expected);
     void _compare(const Value& actual, int time, const std::string& name, const OutputValueIndex& expected);
 
-    int _simulation_time = 0;                        // ns; the run goes one ns beyond
-    int _nof_issues = 0;                             // failed comparisons of the last verify
-    Circuit* _circuit = nullptr;                     // root circuit, never freed here
-    TestSequence* _test_sequence = nullptr;          // owned if _owns_test_sequence
-    std::map<std::string, Port*> _drivers;           // stimulus column name to its port
-    bool _owns_circuit = false;                      // built from a file name
-    bool _owns_test_sequence = false;                // read from a file name
-    bool _check_outputs = true;                      // whether verify compares
-    std::map<Component*, ParaMap> _saved_parameters; // parameters to bring back after a run
+    int _simulation_time = 0;                         // ns; the run goes one ns beyond
+    int _nof_issues = 0;                              // failed comparisons of the last verify
+    Circuit* _circuit = nullptr;                      // root circuit, never freed here
+    TestSequence* _test_sequence = nullptr;           // owned if _owns_test_sequence
+    std::map<std::string, Port*> _drivers;            // stimulus column name to its port
+    bool _owns_circuit = false;                       // built from a file name
+    bool _owns_test_sequence = false;                 // read from a file name
+    bool _check_outputs = true;                       // whether verify compares
+    std::map<Component*, ParaMap> _saved_parameters;  // parameters to bring back after a run
 };
 
 /// Prints each mismatch on standard output as it is found.

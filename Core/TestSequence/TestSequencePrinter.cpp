@@ -20,7 +20,10 @@ constexpr int header_repeat = 50;  // rows between two headers
 
 TestSequencePrinter::TestSequencePrinter(TestSequence* sequence, Circuit* circuit, int max_time,
                                          bool hexadecimal)
-    : _sequence(sequence), _circuit(circuit), _max_time(max_time), _hexadecimal(hexadecimal)
+    : _sequence(sequence),
+      _circuit(circuit),
+      _max_time(max_time),
+      _hexadecimal(hexadecimal)
 {
 }
 

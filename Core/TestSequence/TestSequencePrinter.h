@@ -43,14 +43,14 @@ private:
     void _print_vector(int time, const Columns& inputs, const Columns& outputs) const;
     std::string _value(int time, const ValueHistory* history) const;
 
-    TestSequence* _sequence;           // the rows and the header; not owned
-    Circuit* _circuit;                 // where the columns are looked up; not owned
-    int _max_time;                     // ns, the last time the run reached
-    int _row_counter = 0;              // rows printed in this listing; the header repeats every 50
-    std::vector<int> _input_widths;    // chars per input column
-    std::vector<int> _output_widths;   // chars per output column, extra ports and nets included
-    int _time_width = 0;               // chars of the time column
-    bool _hexadecimal;                 // print integers in hexadecimal where all bits are binary
+    TestSequence* _sequence;          // the rows and the header; not owned
+    Circuit* _circuit;                // where the columns are looked up; not owned
+    int _max_time;                    // ns, the last time the run reached
+    int _row_counter = 0;             // rows printed in this listing; the header repeats every 50
+    std::vector<int> _input_widths;   // chars per input column
+    std::vector<int> _output_widths;  // chars per output column, extra ports and nets included
+    int _time_width = 0;              // chars of the time column
+    bool _hexadecimal;                // print integers in hexadecimal where all bits are binary
 };
 
 #endif  // MORVANE_CORE_TESTSEQUENCE_TESTSEQUENCEPRINTER_H
