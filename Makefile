@@ -1,11 +1,14 @@
-# Thin wrapper around CMake: `make demo`, `make test`, `make release`, `make bench`.
+# Thin wrapper around CMake: `make demo`, `make test`, `make release`, `make bench`, `make fuzz`.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE ?= cmake
 RELEASE_DIR := build/release
 TEST_DIR := build/test
 BENCH_DIR := build/bench
+FUZZ_DIR := build/fuzz
+# Seconds of fuzzing for each target.
+FUZZ_SECONDS ?= 30
 
-.PHONY: all release demo test bench clean
+.PHONY: all release demo test bench fuzz fuzz-build clean
 
 all: release
 
@@ -24,6 +27,15 @@ test:
 bench:
 	$(CMAKE) -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DMORVANE_TESTS=OFF -DMORVANE_BENCH=ON
 	$(CMAKE) --build $(BENCH_DIR) -j $(JOBS)
+
+# The fuzz build uses clang for everything; the gcc builds above stay as they are.
+fuzz-build:
+	$(CMAKE) -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ \
+		-DMORVANE_TESTS=OFF -DMORVANE_FUZZ=ON -DMORVANE_WERROR=$(if $(WERROR),ON,OFF)
+	$(CMAKE) --build $(FUZZ_DIR) -j $(JOBS)
+
+fuzz: fuzz-build
+	tests/fuzz/run_fuzzers.sh $(FUZZ_DIR)/tests/fuzz $(FUZZ_SECONDS)
 
 clean:
 	rm -rf build

@@ -61,6 +61,10 @@ class Circuit : public Component
 public:
     /// For classes that derive from Circuit: the type name follows from the class name.
     Circuit(const std::string& class_name, const std::string& instance_name, Circuit* parent);
+    /// Nested sub-circuit instances multiply; a file that builds more parts than this is refused. Not
+    /// const only so that a test can reach the limit without building a million parts.
+    static inline int max_nof_parts = 1000000;
+
     /// A plain circuit, of type "Circuit".
     Circuit(const std::string& instance_name, Circuit* parent);
     /// A deep copy of `other` under `parent`: parts, nets rebuilt by path, declarations, file comments
@@ -267,6 +271,7 @@ protected:
     void _build(const CircuitSpec* spec);
     void _add_circuit_declaration(const CircuitSpec* spec);
     void _create_components(const UnitLine& line);
+    void _check_room_for_parts(const UnitLine& line, int nof_parts) const;
     Component* _make_component_from_circuit(const UnitLine& line, const std::string& name);
     void _add_circuit_port(const PortLine& line);
     void _add_circuit_pin(const PinLine& line);
@@ -304,6 +309,7 @@ private:
     std::set<std::string> _import_paths;                         // directories to search
     std::vector<Circuit*> _circuit_declarations;                 // one per sub-circuit type; parent is this
     SimLog* _sim_log = nullptr;                                  // report sink; not owned
+    int _nof_parts_within = 0;  // parts made from files here and in every instance below, recursively
 };
 
 #endif  // MORVANE_CORE_CIRCUIT_CIRCUIT_H

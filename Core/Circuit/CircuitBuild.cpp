@@ -110,11 +110,24 @@ void Circuit::_create_components(const UnitLine& line)
         if (c == nullptr)
             throw Error("Error at %s:%d: Component type not found: '%s'.", line.filename.c_str(),
                         line.line_number, line.type.c_str());
+        const auto* sub = dynamic_cast<const Circuit*>(c);
+        int nof_parts = 1 + (sub != nullptr ? sub->_nof_parts_within : 0);
+        _check_room_for_parts(line, nof_parts);
+        _nof_parts_within += nof_parts;
         // Only the first instance of a line carries its comment.
         c->set_comment_text(comment);
         comment.clear();
         add(c, &line);
     }
+}
+
+void Circuit::_check_room_for_parts(const UnitLine& line, int nof_parts) const
+{
+    // Each level of instances multiplies the parts of the one below: a few lines can ask for more
+    // parts than memory holds.
+    if (nof_parts > max_nof_parts - _nof_parts_within)
+        throw Error("Error at %s:%d: Circuit '%s' would hold more than %d parts.", line.filename.c_str(),
+                    line.line_number, instance_name().c_str(), max_nof_parts);
 }
 
 Component* Circuit::_make_component_from_circuit(const UnitLine& line, const std::string& name)
@@ -123,6 +136,8 @@ Component* Circuit::_make_component_from_circuit(const UnitLine& line, const std
     for (Circuit* d : _circuit_declarations) {
         if (d->type_name() != line.type)
             continue;
+        // Checked before the copy is made, so that a refused copy takes no memory.
+        _check_room_for_parts(line, 1 + d->_nof_parts_within);
         Circuit* instance = copy_allocator(d, this);
         _allocated.emplace_back(instance);
         instance->set_name(name);

@@ -11,6 +11,7 @@ Circuit::Circuit(const Circuit* other, Circuit* parent) : Component(other)
     _add_default_import_path();
     _import_paths.insert(other->_import_paths.begin(), other->_import_paths.end());
     _filename = other->_filename;
+    _nof_parts_within = other->_nof_parts_within;
     set_parent(parent);
     try {
         for (const Component* c : other->components()) {

@@ -1,7 +1,9 @@
 // Nets of a circuit and its own ports.
 #include "Core/Circuit/Circuit.h"
 #include "Core/Support/Error.h"
-#include "Core/Support/Regex.h"
+
+#include <cctype>
+#include <cstring>
 
 using Morvane::Inside;
 using Morvane::Outside;
@@ -129,14 +131,30 @@ void Circuit::remove_nets_with_fewer_ports_than(unsigned n)
 
 std::string Circuit::_parse_name_and_params(const std::string& spec, ParaMap& params)
 {
-    // In the second class "+-/" is a range: + , - . /
-    static const std::regex pattern(R"(([a-zA-Z0-9=<>\[\]_]+)([(][a-zA-Z0-9=.+-/#%,:]+[)])?)",
-                                    std::regex::ECMAScript);
-    std::smatch match;
-    if (!std::regex_match(spec, match, pattern))
+    // A whole match of name, then optionally "(" options ")", scanned by hand: the library's regular
+    // expressions recurse once per character and run out of stack on long names.
+    auto is_name_char = [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) || std::strchr("=<>[]_", c) != nullptr;
+    };
+    // "+,-./" is one range in the character class this replaces.
+    auto is_option_char = [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) || std::strchr("=.+,-/#%:", c) != nullptr;
+    };
+    size_t name_end = 0;
+    while (name_end < spec.size() && spec[name_end] != '\0' && is_name_char(spec[name_end]))
+        ++name_end;
+    if (name_end == 0)
         return "";
-    params.add_params(match[2].str());
-    return match[1].str();
+    if (name_end == spec.size())
+        return spec;
+    if (spec[name_end] != '(' || spec.back() != ')' || spec.size() < name_end + 3)
+        return "";
+    for (size_t i = name_end + 1; i + 1 < spec.size(); ++i) {
+        if (spec[i] == '\0' || !is_option_char(spec[i]))
+            return "";
+    }
+    params.add_params(spec.substr(name_end));
+    return spec.substr(0, name_end);
 }
 
 Port* Circuit::_create_port(const std::string& name_spec, int size, Morvane::Dir dir, const std::string& file,

@@ -177,6 +177,13 @@ std::vector<std::string> CircuitSpec::_split(const std::string& line) const
 
 void CircuitSpec::_push_circuit(const std::string& name, const std::string& filename)
 {
+    // Building and copying walk the declarations recursively; a runaway nesting would exhaust the stack.
+    int depth = 0;
+    for (const CircuitSpec* spec = _current; spec->_parent; spec = spec->_parent)
+        ++depth;
+    if (depth >= max_nesting_depth)
+        throw Error("Error in %s:%d: Circuit declarations nested deeper than %d levels.",
+                    _current->filename().c_str(), _current->_line_number, max_nesting_depth);
     auto child = std::make_unique<CircuitSpec>(_current, name);
     if (!filename.empty())
         child->_filename = filename;

@@ -30,6 +30,9 @@ public:
     /// Reads `filename` into the current scope; a file that is being read already throws Error.
     void load_from_file(const std::string& filename);
 
+    /// Circuit declarations inside one another, whether in blocks or files, go no deeper than this.
+    static constexpr int max_nesting_depth = 100;
+
     const std::string& name() const { return _name; }
     void set_name(const std::string& name) { _name = name; }
     /// The own file name, else the nearest ancestor's; "" if none has one.

@@ -3,7 +3,10 @@
 #include "Core/Support/Error.h"
 #include "Core/Support/NumberText.h"
 
+#include <cerrno>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <unordered_set>
 #include <utility>
 
@@ -38,6 +41,14 @@ bool split_array_name(const std::string& token, std::string& base, std::string& 
     base = token.substr(0, open);
     count = token.substr(open + 1, token.size() - open - 2);
     return true;
+}
+
+// Whether a text that strtol accepts also converts to an int without overflow.
+bool fits_in_int(const std::string& text)
+{
+    errno = 0;
+    long value = std::strtol(text.c_str(), nullptr, 10);
+    return errno != ERANGE && value >= INT_MIN && value <= INT_MAX;
 }
 
 }  // namespace
@@ -101,6 +112,9 @@ PortLine::PortLine(std::vector<std::string>& tokens, int line, std::string file)
     if (!is_a_decimal_number(size))
         throw Error("Error on line %d, in file %s: port size must be a number. '%s' is not.", line_number,
                     filename.c_str(), size.c_str());
+    if (!fits_in_int(size))
+        throw Error("Error on line %d, in file %s: port size '%s' is too large.", line_number,
+                    filename.c_str(), size.c_str());
     if (direction != "Input" && direction != "Output" && direction != "Inout")
         throw Error("Error on line %d, in file %s: port direction must Input or Output, '%s' is neither.",
                     line_number, filename.c_str(), direction.c_str());
@@ -120,11 +134,11 @@ UnitLine::UnitLine(std::vector<std::string> tokens, int line, std::string file) 
             names.push_back(tokens[t]);
             continue;
         }
-        // Beyond 32 bits this throws std::out_of_range ("stoi"), which callers let pass.
-        int count = std::stoi(count_text);
-        if (count > max_array_size)
+        // The count is digits only, so one beyond an int is beyond the limit too.
+        if (!fits_in_int(count_text) || std::stoi(count_text) > max_array_size)
             throw Error("Error on line %d, in file %s: Unit array '%s' is too large: at most %d instances.",
                         line_number, filename.c_str(), tokens[t].c_str(), max_array_size);
+        int count = std::stoi(count_text);
         for (int i = 0; i < count; ++i)
             names.push_back(base + "[" + std::to_string(i) + "]");
     }

@@ -43,6 +43,19 @@ int PinSpec::sparse_to_dense(int bit) const
     return static_cast<int>(it - _indices.begin());
 }
 
+namespace {
+
+// Values hold at most 255 bits, so no net has a bit beyond this; a larger number is a typo, and a
+// range up to it would only fill memory.
+constexpr int highest_possible_bit = 254;
+
+bool is_bit_number(int n)
+{
+    return n >= 0 && n <= highest_possible_bit;
+}
+
+}  // namespace
+
 void PinSpec::_make_indices()
 {
     for (const std::string& item : split(_expression, ';')) {
@@ -50,8 +63,9 @@ void PinSpec::_make_indices()
         int to = 0;
         bool is_range = item.find(':') != std::string::npos;
         // sscanf ignores what follows the numbers, so "7:4x" reads as 7:4.
-        bool valid = is_range ? std::sscanf(item.c_str(), "%d:%d", &from, &to) == 2 && from >= 0 && to >= 0
-                              : std::sscanf(item.c_str(), "%d", &from) == 1 && from >= 0;
+        bool valid = is_range ? std::sscanf(item.c_str(), "%d:%d", &from, &to) == 2 && is_bit_number(from) &&
+                                    is_bit_number(to)
+                              : std::sscanf(item.c_str(), "%d", &from) == 1 && is_bit_number(from);
         if (!valid)
             throw Error("Invalid pin spec expression: '%s'.", _expression.c_str());
         if (is_range)

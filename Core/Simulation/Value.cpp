@@ -81,14 +81,26 @@ Value::Value(const char* text, int width)
     std::size_t length = std::strlen(text);
     _size = wrap_width(width == 0 ? length : static_cast<std::size_t>(width));
     _init_after_size_change();
-    _copy_to_array(text, length);
+    // A text too long throws from here, and a constructor that throws runs no destructor.
+    try {
+        _copy_to_array(text, length);
+    } catch (...) {
+        delete[] _dynamic_array;
+        throw;
+    }
 }
 
 Value::Value(const std::string& text, int width)
 {
     _size = wrap_width(width == 0 ? text.size() : static_cast<std::size_t>(width));
     _init_after_size_change();
-    _copy_to_array(text.c_str(), text.size());
+    // A text too long throws from here, and a constructor that throws runs no destructor.
+    try {
+        _copy_to_array(text.c_str(), text.size());
+    } catch (...) {
+        delete[] _dynamic_array;
+        throw;
+    }
 }
 
 Value::~Value()

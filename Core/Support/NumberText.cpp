@@ -1,6 +1,5 @@
 #include "Core/Support/NumberText.h"
 
-#include "Core/Support/Regex.h"
 #include "Core/Support/StringUtils.h"
 
 #include <algorithm>
@@ -11,9 +10,47 @@
 
 namespace {
 
-bool matches(const std::string& s, const std::regex& re)
+// Scanned by hand: the library's regular expressions recurse once per character and run out of
+// stack on the long cells of a test vector file.
+bool is_hex_digit(char c)
 {
-    return std::regex_search(s, re);
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool is_decimal_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+bool is_binary_digit(char c)
+{
+    return c == '0' || c == '1';
+}
+
+// Index of the first digit of the leftmost place where the prefix (its letter in either case) is
+// followed by at least one digit; npos if there is none.
+size_t find_digits_after(const std::string& s, std::string_view prefix, bool (*is_digit)(char))
+{
+    for (size_t at = 0; at + prefix.size() < s.size(); ++at) {
+        bool prefix_fits = true;
+        for (size_t i = 0; i < prefix.size(); ++i) {
+            char c = s[at + i];
+            char p = prefix[i];
+            if (!(c == p || (p >= 'a' && p <= 'z' && c == p - 'a' + 'A')))
+                prefix_fits = false;
+        }
+        if (prefix_fits && is_digit(s[at + prefix.size()]))
+            return at + prefix.size();
+    }
+    return std::string::npos;
+}
+
+std::string digit_run(const std::string& s, size_t at, bool (*is_digit)(char))
+{
+    size_t end = at;
+    while (end < s.size() && is_digit(s[end]))
+        ++end;
+    return s.substr(at, end - at);
 }
 
 int count_trailing_zeros(const std::string& digits)
@@ -42,53 +79,50 @@ bool is_a_decimal_number(std::string& s)
 
 bool is_hex(const std::string& s)
 {
-    static const std::regex re("^[0-9a-fA-F]+$");
-    return matches(s, re);
+    return !s.empty() && std::all_of(s.begin(), s.end(), is_hex_digit);
 }
 
 bool contains_hex(const std::string& s)
 {
-    static const std::regex re("[0-9a-fA-F]+");
-    return matches(s, re);
+    return std::any_of(s.begin(), s.end(), is_hex_digit);
 }
 
 bool is_input_bit_stream(const std::string& s)
 {
-    static const std::regex re("^[HLUZhluz]+$");
-    return matches(s, re);
+    return !s.empty() && s.find_first_not_of("HLUZhluz") == std::string::npos;
 }
 
 bool is_output_bit_stream(const std::string& s)
 {
-    static const std::regex re("^[HLUZXhluzx]+$");
-    return matches(s, re);
+    return !s.empty() && s.find_first_not_of("HLUZXhluzx") == std::string::npos;
 }
 
 bool is_time_str(const std::string& s)
 {
-    static const std::regex re("^[0-9., ]+[num]?s?$");
-    return matches(s, re);
+    // Digits, dots, commas and blanks, then at most a unit prefix and at most an s.
+    size_t digits_end = s.find_first_not_of("0123456789., ");
+    if (digits_end == 0)
+        return false;
+    if (digits_end == std::string::npos)
+        return true;
+    std::string_view unit = std::string_view(s).substr(digits_end);
+    if (!unit.empty() && (unit[0] == 'n' || unit[0] == 'u' || unit[0] == 'm'))
+        unit.remove_prefix(1);
+    return unit.empty() || unit == "s";
 }
 
 uint64_t str_to_number(std::string s)
 {
-    struct NumberForm
-    {
-        std::regex pattern;  // group 1 holds the digits
-        int base;            // radix of the digits
-    };
-    // The order matters: 0x10 also holds the decimal 0 and 10.
-    static const NumberForm forms[] = {
-        {std::regex("0[xX]([0-9a-fA-F]+)"), 16},
-        {std::regex("[$]([0-9a-fA-F]+)"), 16},
-        {std::regex("0[bB]([01]+)"), 2},
-        {std::regex("([0-9]+)"), 10},
-    };
-    std::smatch match;
-    for (const NumberForm& form : forms) {
-        if (std::regex_search(s, match, form.pattern))
-            return std::stoul(match[1].str(), nullptr, form.base);
-    }
+    // The order matters: 0x10 also holds the decimal 0 and 10. Within a form the leftmost digits win.
+    size_t at = 0;
+    if ((at = find_digits_after(s, "0x", is_hex_digit)) != std::string::npos)
+        return std::stoul(digit_run(s, at, is_hex_digit), nullptr, 16);
+    if ((at = find_digits_after(s, "$", is_hex_digit)) != std::string::npos)
+        return std::stoul(digit_run(s, at, is_hex_digit), nullptr, 16);
+    if ((at = find_digits_after(s, "0b", is_binary_digit)) != std::string::npos)
+        return std::stoul(digit_run(s, at, is_binary_digit), nullptr, 2);
+    if ((at = find_digits_after(s, "", is_decimal_digit)) != std::string::npos)
+        return std::stoul(digit_run(s, at, is_decimal_digit), nullptr, 10);
     return ~uint64_t{0};
 }
 

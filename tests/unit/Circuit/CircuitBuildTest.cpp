@@ -197,6 +197,32 @@ TEST(CircuitBuildTest, EveryBuildErrorHasItsMessage)
     }
 }
 
+// Each level holds two instances of the one below, so a few lines would ask for 2^30 parts.
+TEST(CircuitBuildTest, InstancesThatMultiplyBeyondTheLimitAreRefused)
+{
+    std::string text;
+    for (int k = 30; k > 0; --k)
+        text += "Circuit T" + std::to_string(k) + " {\n";
+    text += "Circuit T0 {\n  Unit Inv g\n}\n";
+    for (int k = 1; k <= 30; ++k)
+        text += "Unit T" + std::to_string(k - 1) + " x y\n}\n";
+    text += "Unit T30 top\n";
+
+    const int saved_limit = Circuit::max_nof_parts;
+    Circuit::max_nof_parts = 1000;
+    TempDir dir;
+    // T8 holds 766 parts, counting the circuits between; T9 takes two of it and one more each.
+    std::string error = build_error(dir, {{"main.ctc", text}});
+    Circuit::max_nof_parts = saved_limit;
+    EXPECT_EQ(error, "Error at main.ctc:50: Circuit 'T9' would hold more than 1000 parts.");
+
+    TempDir flat_dir;
+    Circuit::max_nof_parts = 3;
+    error = build_error(flat_dir, {{"main.ctc", "Unit Inv a b\nUnit And g[2]\n"}});
+    Circuit::max_nof_parts = saved_limit;
+    EXPECT_EQ(error, "Error at main.ctc:2: Circuit 'main.ctc' would hold more than 3 parts.");
+}
+
 TEST(CircuitBuildTest, PortDirectionIsCheckedAgainWhenBuilding)
 {
     std::vector<std::string> tokens = {"Port", "Input", "1", "p"};

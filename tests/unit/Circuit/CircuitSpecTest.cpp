@@ -381,16 +381,22 @@ TEST(CircuitSpecTest, SurvivesHostileInput)
     EXPECT_EQ(spec->units()[0].names[0].size(), 10000u);
     EXPECT_EQ(read_error(dir, {{"main.ctc", long_name + "\n"}}).size(), 2047u);
 
-    // Deep nesting neither overflows the stack nor leaks.
+    // Nesting as deep as the limit reads; one level more is refused before building could recurse
+    // that deep.
     std::string nested;
-    for (int i = 0; i < 20000; ++i)
+    for (int i = 0; i < CircuitSpec::max_nesting_depth; ++i)
         nested += "Circuit C {\n";
     auto deep = read(dir, nested);
     EXPECT_EQ(deep->circuits().size(), 1u);
+    EXPECT_EQ(read_error(dir, {{"main.ctc", nested + "Circuit D {\n"}}),
+              "Error in main.ctc:101: Circuit declarations nested deeper than 100 levels.");
+    dir.write("sub.ctc", "Circuit S {\n}\n");
+    EXPECT_EQ(read_error(dir, {{"main.ctc", nested + "Circuit F \"sub.ctc\"\n"}}),
+              "Error in main.ctc:101: Circuit declarations nested deeper than 100 levels.");
 
     // A failure part-way frees every scope read so far (the leak checker watches this).
     EXPECT_EQ(read_error(dir, {{"main.ctc", nested + "bad\n"}}),
-              "Error in main.ctc:1: Illegal keyword: 'bad'.");
+              "Error in main.ctc:101: Illegal keyword: 'bad'.");
 }
 
 // The check must name the same pair as comparing every earlier net with every later one.

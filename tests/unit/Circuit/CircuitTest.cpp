@@ -4,6 +4,7 @@
 
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Support/Error.h"
+#include "Core/Support/Regex.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -223,6 +224,26 @@ TEST(CircuitTest, MetaDataCommentsAndImportPaths)
     here.set_filename("top.ctc");
     here.add_import_path("/usr/lib/parts");
     EXPECT_TRUE(here.import_paths().count("usr/lib/parts"));
+}
+
+// Names are scanned by hand as the pattern reads them, so that a long name cannot exhaust the stack.
+TEST(CircuitTest, PortNamesSplitAsThePatternSplitsThem)
+{
+    const std::regex pattern(R"(([a-zA-Z0-9=<>\[\]_]+)([(][a-zA-Z0-9=.+-/#%,:]+[)])?)");
+    const char* specs[] = {"a",       "a(x=1)",   "a()",     "(x=1)", "a(x=1",
+                           "a(x=1)b", "a(x=(1))", "a[2](p)", "<>=_",  "a(+,-./#%:)",
+                           "a(x y)",  "a b",      "a(x=1))", "",      "a(*)"};
+    for (const char* spec : specs) {
+        std::cmatch match;
+        bool whole = std::regex_match(spec, match, pattern);
+        ParaMap params;
+        EXPECT_EQ(OpenCircuit::_parse_name_and_params(spec, params), whole ? match[1].str() : "") << spec;
+        EXPECT_EQ(params.to_string(), whole ? ParaMap(match[2].str()).to_string() : ParaMap().to_string())
+            << spec;
+    }
+    const std::string long_name(1000000, 'a');
+    ParaMap params;
+    EXPECT_EQ(OpenCircuit::_parse_name_and_params(long_name + "(x=1)", params), long_name);
 }
 
 TEST(CircuitTest, OwnPortsTakeOptionsAndRefuseDuplicates)

@@ -37,7 +37,9 @@ TEST(PinSpecTest, ExpressionsGiveIndicesWithDenseZeroLast)
 
 TEST(PinSpecTest, InvalidExpressionsThrow)
 {
-    for (const char* expression : {"-1", "4:x", "x", "1:-2", "1;;2", ";", ":3", "2 :1"}) {
+    for (const char* expression : {"-1", "4:x", "x", "1:-2", "1;;2", ";", ":3", "2 :1",
+                                   // Beyond the widest value: a range up to these would only fill memory.
+                                   "255", "33333333:3", "0:2147483647", "2147483647:0"}) {
         try {
             PinSpec spec(expression);
             ADD_FAILURE() << "no exception for " << expression;
@@ -45,6 +47,12 @@ TEST(PinSpecTest, InvalidExpressionsThrow)
             EXPECT_EQ(e.message(), std::string("Invalid pin spec expression: '") + expression + "'.");
         }
     }
+}
+
+TEST(PinSpecTest, HighestBitOfTheWidestValueIsValid)
+{
+    EXPECT_EQ(PinSpec("254:0").size(), 255);
+    EXPECT_EQ(PinSpec("254").highest_bit(), 254);
 }
 
 TEST(PinSpecTest, NumericConstructorMatchesTheText)

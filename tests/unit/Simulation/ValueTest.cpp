@@ -113,9 +113,14 @@ TEST(ValueTest, FailuresThrowStandardExceptionsWithExactTexts)
         {"char into width 0", [] { Value('H', 0); }, "Initializer 'H' too long for type (Value 0)."},
         {"text wider than given", [] { Value("HLH", 2); }, "Initializer 'HLH' too long for type (Value 2)."},
         {"wider value", [] { Value(2) = Value(3); }, "Initializer mismatch 3 vs 2"},
+        // The store of a wide value was left behind when its constructor threw.
+        {"wide text, width given", [] { Value(std::string(20, 'H'), 12); },
+         "Initializer 'HHHHHHHHHHHHHHHHHHHH' too long for type (Value 12)."},
     };
     for (const auto& c : length_errors)
         expect_throw_text<std::length_error>(c);
+    // A text past 255 letters wraps the width and no longer fits.
+    EXPECT_THROW(Value(std::string(270, 'L').c_str()), std::length_error);
 
     const ThrowCase out_of_range_errors[] = {
         {"index at width", [] { (void)Value(4)[4]; }, "Value: Index 4 larger than size 4"},

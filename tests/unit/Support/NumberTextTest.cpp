@@ -1,5 +1,7 @@
 #include "Core/Support/NumberText.h"
 
+#include "Core/Support/Regex.h"
+
 #include <climits>
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -32,6 +34,42 @@ TEST(NumberTextTest, PatternsAreSearches)
         EXPECT_EQ(is_output_bit_stream(c.text), c.output_bits) << c.text;
         EXPECT_EQ(is_time_str(c.text), c.time) << c.text;
     }
+}
+
+// The scanners read as these searches do, short of their recursion.
+TEST(NumberTextTest, ScannersAgreeWithThePatterns)
+{
+    const std::regex hex("^[0-9a-fA-F]+$"), has_hex("[0-9a-fA-F]+"), input_bits("^[HLUZhluz]+$"),
+        output_bits("^[HLUZXhluzx]+$"), time("^[0-9., ]+[num]?s?$");
+    const char* texts[] = {"",   "ms",  "1s",    "1nss", "5m",    "5 us", "1.2.3", " ",
+                           "ns", "1sn", "HL\n",  "x",    "Fg",    "0x",   "0X1g",  "$ff",
+                           "$",  "0b2", "0B101", "a0x1", "00x10", "1 0",  "0b0x1"};
+    auto search = [](const char* text, const std::regex& re) { return std::regex_search(text, re); };
+    for (const char* text : texts) {
+        EXPECT_EQ(is_hex(text), search(text, hex)) << text;
+        EXPECT_EQ(contains_hex(text), search(text, has_hex)) << text;
+        EXPECT_EQ(is_input_bit_stream(text), search(text, input_bits)) << text;
+        EXPECT_EQ(is_output_bit_stream(text), search(text, output_bits)) << text;
+        EXPECT_EQ(is_time_str(text), search(text, time)) << text;
+    }
+    const std::pair<const char*, uint64_t> numbers[] = {{"0X1g", 1},  {"$ff", 255},        {"0B101", 5},
+                                                        {"a0x1", 1},  {"00x10", 16},       {"1 0", 1},
+                                                        {"0b0x1", 1}, {"$", ~uint64_t{0}}, {"0b2", 0}};
+    for (const auto& [text, number] : numbers)
+        EXPECT_EQ(str_to_number(text), number) << text;
+}
+
+// A cell of a test vector file may be as long as its line.
+TEST(NumberTextTest, LongTextsDoNotExhaustTheStack)
+{
+    const std::string hex(1000000, 'F');
+    EXPECT_TRUE(is_hex(hex));
+    EXPECT_TRUE(contains_hex(std::string(1000000, 'z') + "1"));
+    EXPECT_TRUE(is_input_bit_stream(std::string(1000000, 'L')));
+    EXPECT_TRUE(is_output_bit_stream(std::string(1000000, 'x')));
+    EXPECT_TRUE(is_time_str(std::string(1000000, '1') + "ns"));
+    EXPECT_EQ(str_to_number("0x" + std::string(1000000, '0') + "1"), 1u);
+    EXPECT_EQ(str_to_number(std::string(1000000, '0') + "7"), 7u);
 }
 
 TEST(NumberTextTest, IsADecimalNumber)
