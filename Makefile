@@ -24,6 +24,7 @@ test:
 bench:
 	$(CMAKE) -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DMORVANE_TESTS=OFF -DMORVANE_BENCH=ON
 	$(CMAKE) --build $(BENCH_DIR) -j $(JOBS)
+	./$(BENCH_DIR)/bench/hotpath_bench
 
 clean:
 	rm -rf build
