@@ -319,6 +319,8 @@ void BM_InverterChain(benchmark::State& state)
     const int end_time = static_cast<int>(state.range(1));
     const int period = n <= 12500 ? 100 : 1000;
     std::size_t events = 0;
+    std::uint64_t actions = 0;
+    std::uint64_t evaluations = 0;
     for (auto _ : state) {
         state.PauseTiming();
         auto network = std::make_unique<Network>();
@@ -336,10 +338,14 @@ void BM_InverterChain(benchmark::State& state)
         simulator()->simulate(end_time + 1);
         state.PauseTiming();
         events = network->net_changes();
+        actions = simulator()->nof_actions_run();
+        evaluations = simulator()->nof_evaluations_run();
         network.reset();
         state.ResumeTiming();
     }
     state.counters["events"] = static_cast<double>(events);
+    state.counters["actions"] = static_cast<double>(actions);
+    state.counters["evaluations"] = static_cast<double>(evaluations);
     state.counters["events_per_s"] =
         benchmark::Counter(static_cast<double>(events), benchmark::Counter::kIsIterationInvariantRate);
 }
@@ -353,6 +359,8 @@ void BM_GateMesh(benchmark::State& state)
     const int scale = n >= 10000 ? 20 : 2;
     const char* types[] = {"And", "Or", "Nand", "Nor", "And", "Or", "Nand", "Nor", "Xor", "Xnor"};
     std::size_t events = 0;
+    std::uint64_t actions = 0;
+    std::uint64_t evaluations = 0;
     for (auto _ : state) {
         state.PauseTiming();
         auto network = std::make_unique<Network>();
@@ -406,10 +414,14 @@ void BM_GateMesh(benchmark::State& state)
         simulator()->simulate(end_time + 1);
         state.PauseTiming();
         events = network->net_changes();
+        actions = simulator()->nof_actions_run();
+        evaluations = simulator()->nof_evaluations_run();
         network.reset();
         state.ResumeTiming();
     }
     state.counters["events"] = static_cast<double>(events);
+    state.counters["actions"] = static_cast<double>(actions);
+    state.counters["evaluations"] = static_cast<double>(evaluations);
     state.counters["events_per_s"] =
         benchmark::Counter(static_cast<double>(events), benchmark::Counter::kIsIterationInvariantRate);
 }
