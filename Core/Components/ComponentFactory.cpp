@@ -1,8 +1,12 @@
 #include "Core/Components/ComponentFactory.h"
 
 #include "Core/Circuit/Circuit.h"
+#include "Core/Components/Buffers.h"
+#include "Core/Components/BusAdapters.h"
 #include "Core/Components/Component.h"
+#include "Core/Components/FlipFlop.h"
 #include "Core/Components/Gates.h"
+#include "Core/Components/Sources.h"
 #include "Core/Support/Error.h"
 #include "Core/Support/StringUtils.h"
 
@@ -36,22 +40,28 @@ template <class Part> constexpr ComponentType row()
 // The first match wins, so the order is part of the behaviour. Each part type adds its row in the
 // place its comment holds.
 constexpr ComponentType components[] = {
-    // High
-    // Low
-    // PullUp
-    // PullDown
-    // Step
-    // Delay
-    row<Inv>(), row<And>(), row<Nand>(), row<Xor>(), row<Xnor>(), row<Or>(), row<Nor>(),
-    // Oscillator
-    // D_flip_flop
-    // ThreeStateBuf
-    // BusBuffer
-    // Demux1to4
-    // Join
-    // Split
-    // Splice
-    // Const
+    row<High>(),           // High
+    row<Low>(),            // Low
+    row<PullUp>(),         // PullUp
+    row<PullDown>(),       // PullDown
+    row<Step>(),           // Step
+    row<Delay>(),          // Delay
+    row<Inv>(),            // Inv
+    row<And>(),            // And
+    row<Nand>(),           // Nand
+    row<Xor>(),            // Xor
+    row<Xnor>(),           // Xnor
+    row<Or>(),             // Or
+    row<Nor>(),            // Nor
+    row<Oscillator>(),     // Oscillator
+    row<D_flip_flop>(),    // D_flip_flop
+    row<ThreeStateBuf>(),  // ThreeStateBuf
+    row<BusBuffer>(),      // BusBuffer
+    row<Demux1to4>(),      // Demux1to4
+    row<Join>(),           // Join
+    row<Split>(),          // Split
+    row<Splice>(),         // Splice
+    row<Const>(),          // Const
     // 74LS00
     // 74LS04
     // 74LS08

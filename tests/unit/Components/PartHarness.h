@@ -1,0 +1,90 @@
+// A circuit built by calls for the tests of the parts: parts from the factory, nets from a net factory,
+// and free ports that stand in for stimuli and probes.
+#ifndef MORVANE_TESTS_UNIT_COMPONENTS_PARTHARNESS_H
+#define MORVANE_TESTS_UNIT_COMPONENTS_PARTHARNESS_H
+
+#include "Core/Circuit/Circuit.h"
+#include "Core/Components/Component.h"
+#include "Core/Components/ComponentFactory.h"
+#include "Core/Simulation/EventSimulator.h"
+#include "Core/Simulation/Net.h"
+
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <vector>
+
+class PartHarness
+{
+public:
+    PartHarness() { simulator(&root); }
+    ~PartHarness() { destroy_simulator(); }
+
+    /// Made by the factory and placed in the root circuit, so the simulator's reset reaches it.
+    Component* part(const std::string& type, const std::string& spec)
+    {
+        Component* c = parts.create(type, spec);
+        root.add(c, false);
+        return c;
+    }
+    /// A net of the ports' width, each port on its outside.
+    Net* net(const std::string& name, std::initializer_list<Port*> ports)
+    {
+        Net* n = nets.create(name, 0);
+        for (Port* p : ports)
+            n->add(p, Morvane::Outside);
+        return n;
+    }
+    /// An output port that belongs to no part: a stimulus.
+    Port* source(const std::string& name, int width = 1)
+    {
+        free_ports.push_back(std::make_unique<Port>(width, Morvane::Output, name, nullptr));
+        return free_ports.back().get();
+    }
+
+    NetFactory nets;                                // dies last: ports detach from living nets
+    ComponentFactory parts;                         // owns the parts
+    std::vector<std::unique_ptr<Port>> free_ports;  // stimuli
+    Circuit root{"top", nullptr};                   // holds the parts
+};
+
+/// Every entry as "<time><letters> ".
+inline std::string record_of(const ValueHistory& history)
+{
+    std::string text;
+    for (const auto& entry : history.entries())
+        text += std::to_string(entry.time) + entry.value.c_str() + " ";
+    return text;
+}
+
+/// The entries that change the value, as "<time><letters> ": the waveform.
+inline std::string changes_of(const ValueHistory& history)
+{
+    std::string text;
+    std::string last;
+    for (const auto& entry : history.entries()) {
+        std::string letters = entry.value.c_str();
+        if (!text.empty() && letters == last)
+            continue;
+        text += std::to_string(entry.time) + letters + " ";
+        last = letters;
+    }
+    return text;
+}
+
+/// The names of the ports in order, each with its direction (< in, > out, = inout) and its width
+/// when it is more than one bit.
+inline std::string port_list(Component* c)
+{
+    std::string text;
+    for (Port* p : c->ports()) {
+        text += p->name();
+        text += p->dir() == Morvane::Input ? "<" : (p->dir() == Morvane::Output ? ">" : "=");
+        if (p->size() != 1)
+            text += std::to_string(p->size());
+        text += " ";
+    }
+    return text;
+}
+
+#endif  // MORVANE_TESTS_UNIT_COMPONENTS_PARTHARNESS_H

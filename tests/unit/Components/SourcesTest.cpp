@@ -1,0 +1,216 @@
+#include "Core/Components/Sources.h"
+
+#include "PartHarness.h"
+
+#include "Core/Support/Error.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+TEST(SourcesTest, FactoryRowsWithTheirDefaults)
+{
+    struct Row
+    {
+        const char* type;        // as a file names it
+        const char* ports;       // in order, see port_list
+        const char* parameters;  // the merged map
+        const char* keys;        // valid parameter keys
+    };
+    const Row rows[] = {
+        {"High", "out> ", "", ""},
+        {"Low", "out> ", "", ""},
+        {"PullUp", "out> ", "", ""},
+        {"PullDown", "out> ", "", ""},
+        {"Const", "out>8 ", "(size=8,value=ff)", "size value "},
+        {"Step", "out> ", "(delay=100,inverted=0)", "delay inverted "},
+        {"Oscillator", "out> ", "(frequency=1000000,offset=0)", "frequency offset "},
+    };
+    ComponentFactory factory;
+    for (const Row& r : rows) {
+        Component* c = factory.create(r.type, "S1");
+        ASSERT_NE(c, nullptr) << r.type;
+        EXPECT_EQ(c->type_name(), r.type);
+        EXPECT_EQ(port_list(c), r.ports) << r.type;
+        EXPECT_EQ(c->get_parameter_string(), r.parameters) << r.type;
+        std::string keys;
+        for (const std::string& k : c->get_valid_param_keys())
+            keys += k + " ";
+        EXPECT_EQ(keys, r.keys) << r.type;
+    }
+    EXPECT_EQ(ComponentFactory::parameter_description("High"), "");
+    EXPECT_EQ(ComponentFactory::parameter_description("PullDown"), "");
+    EXPECT_EQ(ComponentFactory::parameter_description("Const"),
+              "<b>size</b> The bit width of the constant.<p><b>value</b> The value of the constant (will be "
+              "truncated to fit within 2^size-1).");
+    EXPECT_EQ(ComponentFactory::parameter_description("Oscillator"),
+              "<b>frequency</b> The frequency of the oscillator, in Hz.<p><b>offset</b> The time (in ns) "
+              "until the oscillator makes its first positive flank.");
+    EXPECT_EQ(ComponentFactory::parameter_description("Step"),
+              "<b>delay</b> The time (in ns) before the step is taken.<p><b>inverted</b> If 0, the step is "
+              "L->H, if 1 the step is H->L,");
+}
+
+TEST(SourcesTest, WaveformsWrittenByInit)
+{
+    struct Row
+    {
+        const char* type;  // as a file names it
+        const char* spec;  // instance specification
+        int end_time;      // ns, handed to init
+        const char* want;  // the output's record
+    };
+    const Row rows[] = {
+        {"High", "s", 100, "0H "},
+        {"Low", "s", 100, "0L "},
+        {"PullUp", "s", 100, "0p "},
+        {"PullDown", "s", 100, "0n "},
+        {"Step", "s", 1000, "0L 100H "},
+        {"Step", "s(inverted=1)", 1000, "0H 100L "},
+        {"Step", "s(inverted=7,delay=0x20)", 1000, "0H 32L "},
+        {"Step", "s(inverted=-1)", 1000, "0H 100L "},    // numbers are read without a sign
+        {"Step", "s(inverted=true)", 1000, "0L 100H "},  // no number reads as -1: not inverted
+        {"Step", "s(delay=0)", 1000, "0H "},             // the edge replaces the level of time 0
+        {"Oscillator", "s", 2500, "0H 500L 1000H 1500L 2000H 2500L "},
+        {"Oscillator", "s", 2499, "0H 500L 1000H 1500L 2000H 2500L "},
+        {"Oscillator", "s", 1999, "0H 500L 1000H 1500L "},
+        {"Oscillator", "s", 999, "0H 500L "},
+        {"Oscillator", "s(offset=100)", 2500, "0L 100H 600L 1100H 1600L 2100H 2600L "},
+        // A period of 5 ns: the high phase is the shorter one.
+        {"Oscillator", "s(frequency=200000000)", 10, "0H 2L 5H 7L 10H 12L "},
+        // At 1 GHz the high phase is 0 ns long: each falling edge replaces its rising one.
+        {"Oscillator", "s(frequency=1e9)", 2, "0L 1L 2L "},
+        {"Oscillator", "s(frequency=2.5e6,offset=30)", 800, "0L 30H 230L 430H 630L 830H 1030L "},
+    };
+    ComponentFactory factory;
+    for (const Row& r : rows) {
+        Component* c = factory.create(r.type, r.spec);
+        c->init(r.end_time);
+        EXPECT_EQ(record_of(*c->port("out")), r.want) << r.type << " " << r.spec << " up to " << r.end_time;
+        c->reset();
+        EXPECT_EQ(record_of(*c->port("out")), "") << r.type;
+    }
+}
+
+TEST(SourcesTest, OscillatorRefusesPeriodsBelowOneNanosecond)
+{
+    for (const char* frequency : {"2e9", "0", "-5"}) {
+        Oscillator osc("clk", ParaMap(std::string("(frequency=") + frequency + ")"));
+        try {
+            osc.init(100);
+            ADD_FAILURE() << frequency << " accepted";
+        } catch (const Error& e) {
+            EXPECT_EQ(e.message().rfind("Oscillator 'clk': a frequency of ", 0), 0u) << e.message();
+        }
+    }
+}
+
+TEST(SourcesTest, ConstValues)
+{
+    struct Row
+    {
+        const char* spec;  // instance specification of a Const
+        const char* want;  // the value written at time 0
+    };
+    const Row rows[] = {
+        {"c", "HHHHHHHH"},
+        {"c(size=4,value=ff)", "HHHH"},
+        {"c(size=4)", "HHHH"},  // the factory supplies the default value
+        {"c(size=12,value=3)", "LLLLLLLLLLHH"},
+        {"c(size=0x10,value=a5)", "LLLLLLLLHLHLLHLH"},
+        {"c(size=8,value=Z)", "LLLLzzzz"},
+        {"c(size=6,value=1LH)", "LLLHLH"},
+    };
+    ComponentFactory factory;
+    for (const Row& r : rows) {
+        auto* c = dynamic_cast<Const*>(factory.create("Const", r.spec));
+        ASSERT_NE(c, nullptr) << r.spec;
+        // The value stands from construction on, and again after a reset and init.
+        EXPECT_EQ(record_of(*c->port("out")), std::string("0") + r.want + " ") << r.spec;
+        c->reset();
+        EXPECT_EQ(c->port("out")->nof_values(), 0u);
+        c->init(500);
+        c->evaluate(300);
+        EXPECT_EQ(record_of(*c->port("out")), std::string("0") + r.want + " ") << r.spec;
+        EXPECT_EQ(c->size(), std::string(r.want).size());
+    }
+
+    Const narrow("n", 4, Value("HHLLLH"));
+    EXPECT_EQ(record_of(*narrow.port("out")), "0LLLH ");
+    EXPECT_EQ(narrow.parameters().size(), 0u);
+}
+
+TEST(SourcesTest, ConstNeedsSizeAndValue)
+{
+    struct Row
+    {
+        const char* params;   // the whole map
+        const char* message;  // what the constructor throws
+    };
+    const Row rows[] = {
+        {"", "A Const unit needs a 'size' parameter."},
+        {"(value=ff)", "A Const unit needs a 'size' parameter."},
+        {"(size=8)", "A Const unit needs a 'value' parameter."},
+    };
+    for (const Row& r : rows) {
+        try {
+            Const c("c", ParaMap(std::string(r.params)));
+            ADD_FAILURE() << r.params << " accepted";
+        } catch (const Error& e) {
+            EXPECT_EQ(e.message(), r.message) << r.params;
+        }
+    }
+    // A new map changes the value but not the port, which then refuses a value of another width.
+    Const c("c", ParaMap(std::string("(size=4,value=5)")));
+    c.set_parameters(ParaMap(std::string("(size=4,value=a)")));
+    c.init(0);
+    EXPECT_EQ(record_of(*c.port("out")), "0HLHL ");
+    c.set_parameters(ParaMap(std::string("(size=8,value=a)")));
+    EXPECT_EQ(c.size(), 8u);
+    EXPECT_THROW(c.init(0), Error);
+}
+
+TEST(SourcesTest, SourcesDriveTheirNetsThroughARun)
+{
+    PartHarness h;
+    Component* step = h.part("Step", "go(delay=40)");
+    Component* clock = h.part("Oscillator", "clk(frequency=10000000,offset=5)");
+    Component* pull = h.part("PullDown", "pd");
+    Port* other = h.source("other");
+    Net* stepped = h.net("stepped", {step->port("out")});
+    Net* clocked = h.net("clocked", {clock->port("out")});
+    Net* pulled = h.net("pulled", {pull->port("out"), other});
+
+    simulator()->reset(250);
+    other->set(Value("z"), 0);
+    other->set(Value("H"), 60);
+    other->set(Value("z"), 70);
+    simulator()->simulate(1000);
+
+    EXPECT_EQ(changes_of(*stepped), "0L 40H ");
+    EXPECT_EQ(changes_of(*clocked), "0L 5H 55L 105H 155L 205H 255L ");
+    EXPECT_EQ(changes_of(*pulled), "0L 60H 70L ");
+    // The last pulse ends past the end of the run; the step keeps an event at the end itself.
+    EXPECT_EQ(simulator()->time(), 255);
+}
+
+TEST(SourcesTest, StepKeepsAnEventAtTheEndOfTheRun)
+{
+    PartHarness h;
+    h.part("Step", "go(delay=40)");
+    simulator()->reset(5000);
+    simulator()->simulate(10000);
+    EXPECT_EQ(simulator()->time(), 5000);
+}
+
+TEST(SourcesTest, LongOscillatorRunCostsTwoEntriesPerPeriod)
+{
+    // A 10 MHz clock over 10 ms: a hundred thousand periods, written at once.
+    Oscillator osc("clk", 1e7f, 0);
+    osc.init(10000000);
+    const auto& entries = osc.port("out")->entries();
+    ASSERT_EQ(entries.size(), 200002u);
+    EXPECT_EQ(entries.back().time, 10000050);
+    EXPECT_EQ(osc.port("out")->value(9999999), 'L');
+    EXPECT_EQ(osc.port("out")->value(10000000), 'H');
+}
