@@ -47,7 +47,9 @@ std::uint32_t ActionStore::add(void* target, Port* port, const Value* value)
             _letter_chunks.push_back(static_cast<unsigned char*>(allocate_huge(chunk_bytes)));
         unsigned char* place = _letter_chunks[_letter_chunk] + _letters_used;
         place[0] = static_cast<unsigned char>(value->size());
-        std::memcpy(place + 1, value->c_str(), value->size());
+        const char* letters = value->c_str();
+        for (unsigned i = 0; i < value->size(); ++i)
+            place[1 + i] = static_cast<unsigned char>(letters[i]);
         where = static_cast<std::uint32_t>(_letter_chunk * chunk_bytes + _letters_used) + 1;
         _letters_used += need;
     }

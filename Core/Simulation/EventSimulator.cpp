@@ -188,11 +188,6 @@ void EventSimulator::_print_components_to_evaluate() const
     }
 }
 
-EventSimulator* simulator()
-{
-    return EventSimulator::get_instance();
-}
-
 EventSimulator* simulator(Circuit& circuit)
 {
     return EventSimulator::get_instance(circuit);

@@ -94,7 +94,10 @@ private:
     std::uint64_t _nof_evaluations_run = 0;        // component actions among them
 };
 
-EventSimulator* simulator();
+inline EventSimulator* simulator()
+{
+    return EventSimulator::get_instance();
+}
 EventSimulator* simulator(Circuit& circuit);
 EventSimulator* simulator(Circuit* circuit);
 void destroy_simulator();

@@ -46,7 +46,9 @@ public:
             _add_page(time);
         char* record = _tail + _tail_count * _stride();
         std::memcpy(record, &time, sizeof time);
-        std::memcpy(record + sizeof time, letters, _width);
+        // A loop: a memcpy of a few bytes of unknown count is a library call.
+        for (unsigned i = 0; i < _width; ++i)
+            record[sizeof time + i] = letters[i];
         ++_tail_count;
         ++_count;
     }

@@ -89,13 +89,6 @@ Value::Value(const std::string& text, int width)
     _copy_to_array(text.c_str(), text.size());
 }
 
-Value Value::from_letters(const char* letters, unsigned width)
-{
-    Value v(static_cast<int>(width));
-    std::memcpy(v._store(), letters, width);
-    return v;
-}
-
 Value Value::from_int(int x)
 {
     if (x <= 0)

@@ -42,7 +42,18 @@ public:
     virtual ~Value() { delete[] _dynamic_array; }
 
     /// Exactly `width` letters as they are, no padding; `width` must be below 256.
-    static Value from_letters(const char* letters, unsigned width);
+    static Value from_letters(const char* letters, unsigned width)
+    {
+        // Stores that keep bare letters hand them out at every lookup: no fill, no library call,
+        // and one named result, so that it is built in place.
+        Value v(_unfilled, width);
+        char* store = v._store();
+        for (unsigned i = 0; i < width; ++i)
+            store[i] = letters[i];
+        store[width] = '\0';
+        return v;
+    }
+
     /// The fewest bits that hold x (8 gives 4 bits); 0 and negative numbers give an empty value.
     static Value from_int(int x);
 
@@ -135,6 +146,17 @@ public:
 
 private:
     static constexpr unsigned small_capacity = 8;  // bits that fit in the object
+    struct Unfilled
+    {
+    };
+    static constexpr Unfilled _unfilled{};  // picks the constructor that leaves the letters to its caller
+
+    /// A value whose letters the caller writes.
+    Value(Unfilled, unsigned width) : _size(static_cast<std::uint8_t>(width))
+    {
+        if (_dynamic_alloc(_size))
+            _dynamic_array = new char[_size + 1];
+    }
 
     static bool _dynamic_alloc(unsigned width) { return width > small_capacity; }
     char* _store() { return _dynamic_array ? _dynamic_array : _small_array; }
