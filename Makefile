@@ -21,10 +21,9 @@ test:
 	$(CMAKE) --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
 
+# Builds Release, runs the micro-benchmarks and the generated circuits, prints the tables.
 bench:
-	$(CMAKE) -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DMORVANE_TESTS=OFF -DMORVANE_BENCH=ON
-	$(CMAKE) --build $(BENCH_DIR) -j $(JOBS)
-	./$(BENCH_DIR)/bench/hotpath_bench
+	BUILD_DIR=$(CURDIR)/$(BENCH_DIR) bench/run_bench.sh
 
 clean:
 	rm -rf build
