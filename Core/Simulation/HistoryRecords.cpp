@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <new>
+#include <vector>
 
 namespace {
 
@@ -79,15 +80,15 @@ PagePool& pool()
 
 void HistoryRecords::clear()
 {
-    for (const Page& page : _pages)
-        pool().release(page.data, page.size_class);
-    // Dropping the page list's own block too keeps a cleared history small.
-    std::vector<Page>().swap(_pages);
+    for (std::uint32_t i = 0; i < _nof_pages; ++i)
+        pool().release(_pages[i].data, _pages[i].size_class);
+    std::free(_pages);
+    _pages = nullptr;
+    _nof_pages = 0;
     _tail = nullptr;
     _tail_count = 0;
     _tail_capacity = 0;
     _count = 0;
-    _tail_first_time = 0;
 }
 
 void HistoryRecords::widen_blank(unsigned width)
@@ -129,11 +130,11 @@ const char* HistoryRecords::_record(std::size_t i) const
 
 std::size_t HistoryRecords::_page_of(std::size_t i) const
 {
-    if (i >= _pages.back().first)
-        return _pages.size() - 1;
-    auto it = std::upper_bound(_pages.begin(), _pages.end(), i,
-                               [](std::size_t index, const Page& page) { return index < page.first; });
-    return static_cast<std::size_t>(it - _pages.begin()) - 1;
+    if (i >= _pages[_nof_pages - 1].first)
+        return _nof_pages - 1;
+    const Page* it = std::upper_bound(_pages, _pages + _nof_pages, i,
+                                      [](std::size_t index, const Page& page) { return index < page.first; });
+    return static_cast<std::size_t>(it - _pages) - 1;
 }
 
 std::size_t HistoryRecords::upper_bound(int t) const
@@ -141,17 +142,16 @@ std::size_t HistoryRecords::upper_bound(int t) const
     if (_count == 0)
         return 0;
     // Most lookups fall in the last page; the page list is read only for older times.
-    std::size_t page_index = _pages.size() - 1;
-    if (t < _tail_first_time) {
-        auto it = std::upper_bound(_pages.begin(), _pages.end(), t,
-                                   [](int time, const Page& page) { return time < page.first_time; });
-        if (it == _pages.begin())
+    std::size_t page_index = _nof_pages - 1;
+    if (t < _time_of(_tail)) {
+        const Page* it = std::upper_bound(_pages, _pages + _nof_pages, t,
+                                          [](int time, const Page& page) { return time < page.first_time; });
+        if (it == _pages)
             return 0;
-        page_index = static_cast<std::size_t>(it - _pages.begin()) - 1;
+        page_index = static_cast<std::size_t>(it - _pages) - 1;
     }
     const Page& page = _pages[page_index];
-    std::size_t count =
-        page_index + 1 < _pages.size() ? _pages[page_index + 1].first - page.first : _tail_count;
+    std::size_t count = page_index + 1 < _nof_pages ? _pages[page_index + 1].first - page.first : _tail_count;
     std::size_t stride = _stride();
     std::size_t low = 0;
     std::size_t high = count;
@@ -179,16 +179,23 @@ std::size_t HistoryRecords::bytes_in_use()
 void HistoryRecords::_add_page(int first_time)
 {
     std::uint8_t size_class = 0;
-    if (!_pages.empty())
-        size_class =
-            static_cast<std::uint8_t>(std::min<unsigned>(_pages.back().size_class + 1u, largest_class));
+    if (_nof_pages != 0)
+        size_class = static_cast<std::uint8_t>(
+            std::min<unsigned>(_pages[_nof_pages - 1].size_class + 1u, largest_class));
     // Wide records need a larger first page: at least two records a page.
     while ((std::size_t{smallest_page} << size_class) < 2 * _stride())
         ++size_class;
+    // The page list doubles when it is full: at 0, 1, 2, 4, ... pages.
+    if ((_nof_pages & (_nof_pages - 1)) == 0) {
+        std::size_t room = _nof_pages == 0 ? 1 : 2 * std::size_t{_nof_pages};
+        void* grown = std::realloc(_pages, room * sizeof(Page));
+        if (grown == nullptr)
+            throw std::bad_alloc();
+        _pages = static_cast<Page*>(grown);
+    }
     char* data = pool().allocate(size_class);
-    _pages.push_back(Page{data, _count, first_time, size_class});
+    _pages[_nof_pages++] = Page{data, _count, first_time, size_class};
     _tail = data;
     _tail_count = 0;
-    _tail_capacity = static_cast<std::uint32_t>((std::size_t{smallest_page} << size_class) / _stride());
-    _tail_first_time = first_time;
+    _tail_capacity = static_cast<std::uint16_t>((std::size_t{smallest_page} << size_class) / _stride());
 }

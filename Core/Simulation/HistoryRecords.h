@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
 /// Records of a fixed number of letters, each a 4-byte time followed at once by the letters: a
 /// one-bit signal costs 5 bytes an entry, an 8-bit one 12, where a record holding a `Value` would
@@ -84,12 +83,12 @@ private:
     std::size_t _page_of(std::size_t i) const;
     void _add_page(int first_time);
 
-    std::vector<Page> _pages;          // in order; the last one is the tail
     char* _tail = nullptr;             // data of the last page, or null
-    std::uint32_t _tail_count = 0;     // records in the last page
-    std::uint32_t _tail_capacity = 0;  // records that fit in the last page
+    Page* _pages = nullptr;            // malloc'ed, in order, the last one the tail; room for a power of 2
+    std::uint32_t _nof_pages = 0;      // pages in use
     std::uint32_t _count = 0;          // records in all pages
-    int _tail_first_time = 0;          // ns, time of the first record of the last page
+    std::uint16_t _tail_count = 0;     // records in the last page
+    std::uint16_t _tail_capacity = 0;  // records that fit in the last page
     std::uint8_t _width = 0;           // letters per record
 };
 

@@ -65,28 +65,51 @@ void ValueHistory::_set_size(unsigned size)
 
 void ValueHistory::add_change_subscriber(ValueChangeSubscriber* subscriber)
 {
-    auto it = std::lower_bound(_subscribers.begin(), _subscribers.end(), subscriber,
+    if (!_subscribers) {
+        if (_subscriber == nullptr || _subscriber == subscriber) {
+            _subscriber = subscriber;
+            return;
+        }
+        _subscribers = std::make_unique<std::vector<ValueChangeSubscriber*>>(1, _subscriber);
+        _subscriber = nullptr;
+    }
+    auto it = std::lower_bound(_subscribers->begin(), _subscribers->end(), subscriber,
                                std::less<ValueChangeSubscriber*>());
-    if (it == _subscribers.end() || *it != subscriber)
-        _subscribers.insert(it, subscriber);
+    if (it == _subscribers->end() || *it != subscriber)
+        _subscribers->insert(it, subscriber);
 }
 
 void ValueHistory::remove_change_subscriber(ValueChangeSubscriber* subscriber)
 {
-    std::erase(_subscribers, subscriber);
+    if (_subscribers)
+        std::erase(*_subscribers, subscriber);
+    else if (_subscriber == subscriber)
+        _subscriber = nullptr;
 }
 
 bool ValueHistory::has_change_subscriber(const ValueChangeSubscriber* subscriber) const
 {
-    return std::find(_subscribers.begin(), _subscribers.end(), subscriber) != _subscribers.end();
+    if (_subscribers)
+        return std::find(_subscribers->begin(), _subscribers->end(), subscriber) != _subscribers->end();
+    return subscriber != nullptr && _subscriber == subscriber;
 }
 
 void ValueHistory::_notify_subscribers(const Value& old_value, const Value& new_value, int time)
 {
     ValueChange change{old_value, new_value, time};
-    // By index: a subscriber may subscribe others while it is told.
-    for (std::size_t i = 0; i < _subscribers.size(); ++i)
-        _subscribers[i]->value_changed(this, change);
+    // By index: a subscriber may subscribe others while it is told. A single one that does so turns
+    // into a list whose first entry it is, and the walk goes on from the second.
+    std::size_t i = 0;
+    if (!_subscribers) {
+        if (_subscriber == nullptr)
+            return;
+        _subscriber->value_changed(this, change);
+        if (!_subscribers)
+            return;
+        i = 1;
+    }
+    for (; i < _subscribers->size(); ++i)
+        (*_subscribers)[i]->value_changed(this, change);
 }
 
 bool ValueHistory::positive_flank_at(int time) const

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -164,11 +165,14 @@ private:
     Entry _entry(std::size_t i) const { return Entry{_records.time(i), _value_of(i)}; }
     void _store(const Value& value, int time);
 
-    HistoryRecords _records;                           // ascending time, one record per time
-    unsigned _size;                                    // bits; 0 until the first set sizes it
-    bool _is_port = false;                             // this history is the base of a Port
-    bool _has_blank_entries = false;                   // entries of width 0 from before _set_size
-    std::vector<ValueChangeSubscriber*> _subscribers;  // ascending address, no duplicates, not owned
+    HistoryRecords _records;          // ascending time, one record per time
+    unsigned _size;                   // bits; 0 until the first set sizes it
+    bool _is_port = false;            // this history is the base of a Port
+    bool _has_blank_entries = false;  // entries of width 0 from before _set_size
+    // Most histories have one subscriber or none: it is kept in place, and a list is made only
+    // for a second one. Ascending address, no duplicates, not owned.
+    ValueChangeSubscriber* _subscriber = nullptr;  // the only one, while the list is null
+    std::unique_ptr<std::vector<ValueChangeSubscriber*>> _subscribers;  // all of them, once there were two
 };
 
 #endif  // MORVANE_CORE_SIMULATION_VALUEHISTORY_H
