@@ -11,6 +11,20 @@ EventSimulator* EventSimulator::instance = nullptr;
 
 namespace {
 
+constexpr int prefetch_distance = 4;  // actions of a slot fetched ahead of the one running
+
+// The first lines of the part or net and of the port that an action will touch.
+void prefetch_action(const ActionRecord& record)
+{
+    const char* target = static_cast<const char*>(record.target);
+    for (int line = 0; line < 5; ++line)
+        __builtin_prefetch(target + 64 * line);
+    if (const char* port = reinterpret_cast<const char*>(record.port)) {
+        for (int line = 0; line < 4; ++line)
+            __builtin_prefetch(port + 64 * line);
+    }
+}
+
 // One literal format, so the compiler checks it; only the indentation differs.
 void print_action(TLog& log, const char* indent, const ActionStore& store, std::uint32_t id)
 {
@@ -125,8 +139,19 @@ void EventSimulator::_run(const ActionStore& store, std::uint32_t id)
 void EventSimulator::_run_actions(ActionList& slot)
 {
     // Nothing can join a slot while it runs: requests for the running time go to the same-time list.
-    for (std::uint32_t id = slot.first(); id != ActionRecord::none; id = _kept[id].next)
+    // The parts of a slot lie all over memory; fetching a few actions ahead overlaps their misses.
+    std::uint32_t ahead = slot.first();
+    for (int k = 0; k < prefetch_distance && ahead != ActionRecord::none; ++k) {
+        prefetch_action(_kept[ahead]);
+        ahead = _kept[ahead].next;
+    }
+    for (std::uint32_t id = slot.first(); id != ActionRecord::none; id = _kept[id].next) {
+        if (ahead != ActionRecord::none) {
+            prefetch_action(_kept[ahead]);
+            ahead = _kept[ahead].next;
+        }
         _run(_kept, id);
+    }
     // A slot that has run is rarely asked for again; its index would only take memory.
     slot.drop_index();
 }
