@@ -4,6 +4,7 @@
 #include "Core/Components/ComponentFactory.h"
 #include "Core/Components/Gates.h"
 #include "Core/Simulation/EventSimulator.h"
+#include "Core/Simulation/HistoryRecords.h"
 #include "Core/Simulation/Net.h"
 #include "Core/Simulation/Port.h"
 #include "Core/Simulation/Value.h"
@@ -290,6 +291,20 @@ public:
             source->set(Value("H"), t + period / 2);
         }
     }
+    // Entries of all histories of nets and ports.
+    std::size_t history_entries() const
+    {
+        std::size_t entries = 0;
+        for (const Net* n : nets.nets())
+            entries += n->nof_values();
+        for (const auto& p : sources)
+            entries += p->nof_values();
+        for (const Component* c : root.components()) {
+            for (const Port* p : c->ports())
+                entries += p->nof_values();
+        }
+        return entries;
+    }
     // Changes of value over all nets: the events of a run.
     std::size_t net_changes() const
     {
@@ -321,6 +336,10 @@ void BM_InverterChain(benchmark::State& state)
     std::size_t events = 0;
     std::uint64_t actions = 0;
     std::uint64_t evaluations = 0;
+    std::size_t entries = 0;
+    std::size_t history_bytes = 0;
+    std::size_t kept = 0;
+    std::size_t kept_bytes = 0;
     for (auto _ : state) {
         state.PauseTiming();
         auto network = std::make_unique<Network>();
@@ -338,6 +357,10 @@ void BM_InverterChain(benchmark::State& state)
         simulator()->simulate(end_time + 1);
         state.PauseTiming();
         events = network->net_changes();
+        entries = network->history_entries();
+        history_bytes = HistoryRecords::bytes_in_use();
+        kept = simulator()->nof_actions_kept();
+        kept_bytes = simulator()->bytes_of_actions_kept();
         actions = simulator()->nof_actions_run();
         evaluations = simulator()->nof_evaluations_run();
         network.reset();
@@ -346,6 +369,10 @@ void BM_InverterChain(benchmark::State& state)
     state.counters["events"] = static_cast<double>(events);
     state.counters["actions"] = static_cast<double>(actions);
     state.counters["evaluations"] = static_cast<double>(evaluations);
+    // Pages of all histories against the entries of nets and ports; the chunks of kept actions
+    // against the actions kept.
+    state.counters["B_per_entry"] = static_cast<double>(history_bytes) / static_cast<double>(entries);
+    state.counters["B_per_kept_action"] = static_cast<double>(kept_bytes) / static_cast<double>(kept);
     state.counters["events_per_s"] =
         benchmark::Counter(static_cast<double>(events), benchmark::Counter::kIsIterationInvariantRate);
 }
@@ -361,6 +388,10 @@ void BM_GateMesh(benchmark::State& state)
     std::size_t events = 0;
     std::uint64_t actions = 0;
     std::uint64_t evaluations = 0;
+    std::size_t entries = 0;
+    std::size_t history_bytes = 0;
+    std::size_t kept = 0;
+    std::size_t kept_bytes = 0;
     for (auto _ : state) {
         state.PauseTiming();
         auto network = std::make_unique<Network>();
@@ -414,6 +445,10 @@ void BM_GateMesh(benchmark::State& state)
         simulator()->simulate(end_time + 1);
         state.PauseTiming();
         events = network->net_changes();
+        entries = network->history_entries();
+        history_bytes = HistoryRecords::bytes_in_use();
+        kept = simulator()->nof_actions_kept();
+        kept_bytes = simulator()->bytes_of_actions_kept();
         actions = simulator()->nof_actions_run();
         evaluations = simulator()->nof_evaluations_run();
         network.reset();
@@ -422,6 +457,10 @@ void BM_GateMesh(benchmark::State& state)
     state.counters["events"] = static_cast<double>(events);
     state.counters["actions"] = static_cast<double>(actions);
     state.counters["evaluations"] = static_cast<double>(evaluations);
+    // Pages of all histories against the entries of nets and ports; the chunks of kept actions
+    // against the actions kept.
+    state.counters["B_per_entry"] = static_cast<double>(history_bytes) / static_cast<double>(entries);
+    state.counters["B_per_kept_action"] = static_cast<double>(kept_bytes) / static_cast<double>(kept);
     state.counters["events_per_s"] =
         benchmark::Counter(static_cast<double>(events), benchmark::Counter::kIsIterationInvariantRate);
 }
