@@ -14,7 +14,7 @@ release:
 	$(CMAKE) --build $(RELEASE_DIR) -j $(JOBS)
 
 demo: release
-	./$(RELEASE_DIR)/Cli/morvane -h
+	./$(RELEASE_DIR)/Cli/morvane -v -P -R 10 examples/fulladder/fulladder.ctc examples/fulladder/fulladder.tv
 
 test:
 	$(CMAKE) -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=ON -DMORVANE_WERROR=$(if $(WERROR),ON,OFF)

@@ -1,6 +1,7 @@
-#include "Cli/CliCircuitVerifier.h"
+#include "Cli/CircuitVerifier.h"
 #include "Cli/Options.h"
 #include "Cli/StdOutSimLog.h"
+#include "Core/Circuit/Circuit.h"
 #include "Core/Support/Error.h"
 
 #include <cstdio>

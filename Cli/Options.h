@@ -7,16 +7,16 @@
 
 struct Options
 {
-    std::string ctc_file;          // path of the circuit file
-    std::string tv_file;           // path of the test vector file
-    std::string pins;              // comma list of further pins/ports to print
-    std::string nets;              // comma list of further nets to print
-    int print_time_step = 0;       // ns between printed rows; 0 prints the times of the TV file
-    bool verify = false;           // compare outputs with the TV file
-    bool silent = false;           // do not print the result table
-    bool force_print = false;      // print the table even when silent
-    bool check_connections = true; // report unconnected inputs before the run
-    bool hex = false;              // print values in hexadecimal where possible
+    std::string ctc_file;           // path of the circuit file
+    std::string tv_file;            // path of the test vector file
+    std::string pins;               // comma list of further pins/ports to print
+    std::string nets;               // comma list of further nets to print
+    int print_time_step = 0;        // ns between printed rows; 0 prints the times of the TV file
+    bool verify = false;            // compare outputs with the TV file
+    bool silent = false;            // do not print the result table
+    bool force_print = false;       // print the table even when silent
+    bool check_connections = true;  // report unconnected inputs before the run
+    bool hex = false;               // print values in hexadecimal where possible
 };
 
 /// Fills the options from the command line; returns only on success, otherwise ends the process.

@@ -5,7 +5,7 @@
 // prints one line of key=value pairs: load and simulation time, net value changes (events) up to
 // the end of the run, actions and component evaluations, history entries and the memory they and
 // the kept actions take, and the peak resident memory.
-#include "Cli/CliCircuitVerifier.h"
+#include "Cli/CircuitVerifier.h"
 #include "Core/Circuit/Circuit.h"
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Simulation/HistoryRecords.h"

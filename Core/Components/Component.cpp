@@ -79,6 +79,12 @@ Component::~Component()
     _ports.clear();
 }
 
+void Component::rename_callback(const std::string&, const std::string&)
+{
+    if (_parent != nullptr)
+        _parent->_component_renamed(this);
+}
+
 void Component::circuit_connect_callback(Circuit*) {}
 
 void Component::reset()

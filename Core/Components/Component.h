@@ -32,6 +32,10 @@ public:
     Component(const Component&) = delete;
     Component& operator=(const Component&) = delete;
 
+    /// Tells the holding circuit, which finds its parts by name through an index. A part that
+    /// overrides this calls it.
+    void rename_callback(const std::string& old_name, const std::string& new_name) override;
+
     // The hooks, in the order parts override them.
     virtual void circuit_connect_callback(Circuit* circuit);
     /// Clears the history of every port; subscribers stay. A part with state rebuilds it here.

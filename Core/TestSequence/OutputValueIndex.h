@@ -20,10 +20,10 @@ public:
     std::string get_output_value(const std::string& name, int time) const;
 
 private:
-    const TestSequence& _sequence;                     // the rows; must not change while indexed
-    std::vector<int> _output_times;                    // ns, output time of each row
-    bool _ascending = true;                            // output times never decrease
-    std::unordered_map<std::string, int> _output_of;   // output name to its first column index
+    const TestSequence& _sequence;                    // the rows; must not change while indexed
+    std::vector<int> _output_times;                   // ns, output time of each row
+    bool _ascending = true;                           // output times never decrease
+    std::unordered_map<std::string, int> _output_of;  // output name to its first column index
 };
 
 #endif  // MORVANE_CORE_TESTSEQUENCE_OUTPUTVALUEINDEX_H

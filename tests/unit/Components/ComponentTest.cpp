@@ -247,8 +247,8 @@ TEST(ComponentTest, UpdateRefreshesPortsFromTheirNets)
 TEST(ComponentTest, ClogPrefixesAndConnectionWarnings)
 {
     LineLog sink;
+    Part part("U1");  // outlives the circuit, which disconnects it when it dies
     Circuit top("top", nullptr);
-    Part part("U1");
     part.make_pin(Input, "a");
     part.make_pin(Input, "b%%");
     Port* connected = part.make_pin(Input, "c");
@@ -283,14 +283,15 @@ TEST(ComponentTest, SinkNearestTheRootWins)
 {
     LineLog root_sink;
     LineLog sub_sink;
-    Circuit top("top", nullptr);
+    // Inner first: a circuit disconnects its parts when it dies.
+    Part part("U1");
     Circuit sub("sub", nullptr);
+    Circuit top("top", nullptr);
     top.add(&sub, false);
     sub.set_simlog(&sub_sink);
     EXPECT_EQ(sub.sim_log(), &sub_sink);
     top.set_simlog(&root_sink);
     EXPECT_EQ(sub.sim_log(), &root_sink);
-    Part part("U1");
     sub.add(&part, false);
     EXPECT_EQ(part.sim_log(), &root_sink);
     part.clog(warning, "deep");

@@ -1,0 +1,271 @@
+#include "CircuitHarness.h"
+#include "tests/unit/TempDir.h"
+
+#include "Core/Circuit/Circuit.h"
+#include "Core/Circuit/CircuitFileReader.h"
+#include "Core/Circuit/CircuitSpec.h"
+#include "Core/Circuit/Line.h"
+#include "Core/Simulation/EventSimulator.h"
+#include "Core/Support/Error.h"
+
+#include <gtest/gtest.h>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+using Morvane::Input;
+using Morvane::Outside;
+
+namespace {
+
+using Files = std::map<std::string, std::string>;
+
+class BuildHarness : public OpenCircuit
+{
+public:
+    using Circuit::_add_circuit_port;
+    using OpenCircuit::OpenCircuit;
+};
+
+std::unique_ptr<Circuit> load(const TempDir& dir, const Files& files, const std::string& root = "main.ctc")
+{
+    for (const auto& [name, text] : files)
+        dir.write(name, text);
+    return std::unique_ptr<Circuit>(CircuitFileReader::new_circuit(root));
+}
+
+std::string build_error(const TempDir& dir, const Files& files)
+{
+    try {
+        load(dir, files);
+    } catch (const Error& e) {
+        return e.message();
+    }
+    return "no error";
+}
+
+/// The simulator is global: one per test, gone at the end.
+struct SimulatorGuard
+{
+    explicit SimulatorGuard(Circuit& root) { simulator(&root); }
+    ~SimulatorGuard() { destroy_simulator(); }
+};
+
+// A set-reset latch of two Nand gates, inputs active low, in a library folder of its own.
+const char* latch_file = "# Set-reset latch, inputs active low.\n"
+                         "Pin Input _s _r\n"
+                         "Pin Output q\n"
+                         "Unit Nand n1 n2\n"
+                         "Net s _s n1.a\n"
+                         "Net r _r n2.b\n"
+                         "Net q q n1.out n2.a\n"
+                         "Net qn n2.out n1.b\n";
+
+const char* main_file = "ImportPath \"lib/parts\"\n"
+                        "Circuit Latch \"latch.ctc\"\n"
+                        "\n"
+                        "# Two inverters in a row.\n"
+                        "Circuit Buf {\n"
+                        "   Pin Input i\n"
+                        "   Pin Output o\n"
+                        "   Unit Inv a b\n"
+                        "   Net i i a.in\n"
+                        "   Net m a.out b.in\n"
+                        "   Net o b.out o\n"
+                        "}\n"
+                        "Pin Input s0 r0 s1 r1 x\n"
+                        "Pin Output q0 q1 y\n"
+                        "Unit Latch l[2]\n"
+                        "Unit Buf buf\n"
+                        "Net ns0 s0 l[0]._s\n"
+                        "Net nr0 r0 l[0]._r\n"
+                        "Net ns1 s1 l[1]._s\n"
+                        "Net nr1 r1 l[1]._r\n"
+                        "Net nq0 l[0].q q0\n"
+                        "Net nq1 l[1].q q1\n"
+                        "Net nx x buf.i\n"
+                        "Net ny buf.o y\n";
+
+}  // namespace
+
+TEST(CircuitBuildTest, FileWithDeclaredAndImportedTypesSimulates)
+{
+    TempDir dir;
+    auto top = load(dir, {{"main.ctc", main_file}, {"lib/parts/latch.ctc", latch_file}});
+    EXPECT_EQ(top->instance_name(), "main.ctc");
+    EXPECT_EQ(top->filename(), "main.ctc");
+    EXPECT_EQ(top->type_name(), "Circuit");
+    ASSERT_EQ(top->circuit_declarations().size(), 2u);
+    EXPECT_EQ(top->find_circuit_declaration("Latch")->filename(), "latch.ctc");
+    EXPECT_EQ(top->find_circuit_declaration("Buf")->filename(), "");
+    EXPECT_EQ(top->import_paths(), (std::set<std::string>{"./", "lib/parts"}));
+    EXPECT_NE(top->find_net("l[1].qn"), top->find_net("l[0].qn"));
+
+    SimulatorGuard guard(*top);
+    simulator()->reset(100);
+    for (const char* name : {"s0", "r0", "s1", "r1"})
+        top->port(name)->set(Value("H"), 0);
+    // The same stimuli reach both latches but for one pulse each: they keep opposite states.
+    top->port("s0")->set(Value("L"), 10);
+    top->port("s0")->set(Value("H"), 20);
+    top->port("r1")->set(Value("L"), 10);
+    top->port("r1")->set(Value("H"), 20);
+    top->port("x")->set(Value("H"), 5);
+    simulator()->simulate(50);
+    EXPECT_STREQ(top->port("q0")->ValueHistory::value(50).c_str(), "H");
+    EXPECT_STREQ(top->port("q1")->ValueHistory::value(50).c_str(), "L");
+    // The net records every update, also one that repeats its value.
+    EXPECT_EQ(record_of(*top->find_net("l[0].q")), "3u 13H 19H 23H ");
+    EXPECT_EQ(record_of(*top->port("q1")), "3u 16L ");
+    EXPECT_EQ(record_of(*top->port("y")), "11H ");
+}
+
+TEST(CircuitBuildTest, FixedOrderCommentsAndMetaData)
+{
+    TempDir dir;
+    auto top = load(dir, {{"main.ctc", "# A file comment.\n"
+                                       "\n"
+                                       "MetaData title \"two gates\"\n"
+                                       "MetaData title 'again'\n"
+                                       "# The wire.\n"
+                                       "Net n a g1.a g2.a\n"
+                                       "Pin Input a  # pin a\n"
+                                       "Pin Output y(ztr=off) z\n"
+                                       "# Two gates.\n"
+                                       "Unit Local g1 g2\n"
+                                       "Port Inout 4 d e  # data\n"
+                                       "Circuit Local {\n"
+                                       "   Pin Input a b\n"
+                                       "}\n"
+                                       "# Last words.\n"
+                                       "\n"}});
+    std::vector<std::string> ports;
+    for (const Port* p : top->ports())
+        ports.push_back(p->name() + "/" + p->comment_text());
+    EXPECT_EQ(ports, (std::vector<std::string>{"d/data\n", "e/", "a/pin a\n", "y/", "z/"}));
+    EXPECT_FALSE(top->port("y")->z_translation());
+    EXPECT_EQ(top->find_component("g1")->comment_text(), "Two gates.\n");
+    EXPECT_EQ(top->find_component("g2")->comment_text(), "");
+    EXPECT_EQ(top->find_net("n")->comment_text(), "The wire.\n");
+    EXPECT_EQ(top->find_net("n")->ports().size(), 3u);
+    EXPECT_EQ(top->get_meta_data_vector("title"), (std::vector<std::string>{"two gates", "again"}));
+    ASSERT_EQ(top->nof_comments(), 2);
+    EXPECT_EQ(top->get_comment(0)->text(), "A file comment.\n");
+    EXPECT_EQ(top->get_comment(1)->text(), "Last words.\n");
+}
+
+TEST(CircuitBuildTest, EveryBuildErrorHasItsMessage)
+{
+    struct Case
+    {
+        const char* what;  // the slip
+        const char* text;  // main.ctc
+        const char* want;  // the message
+    };
+    const Case cases[] = {
+        {"declaration named like a part", "Circuit And {\n}\n",
+         "Error: Circuit name 'And' (within 'main.ctc') identical to a component."},
+        {"two declarations of one name", "Circuit X {\n}\nCircuit X {\n}\n",
+         "Error: Duplicated sub-circuits 'X' within circuit 'main.ctc'."},
+        {"unknown type", "Unit Foo a\n", "Error at main.ctc:1: Component type not found: 'Foo'."},
+        {"type named by its class", "Circuit XY74Q {\n}\nUnit XY74Q a\n",
+         "Error at main.ctc:2: Component type not found: 'XY74Q'."},
+        // Lines of a block do not advance the count of the scope around it.
+        {"type of the enclosing scope", "Circuit A {\n}\nCircuit B {\n  Unit A a\n}\n",
+         "Error at main.ctc:3: Component type not found: 'A'."},
+        {"instance name twice", "Unit And g[2] g[1]\n",
+         "Error in main.ctc:1: Duplicated component instance name: 'g[0]'."},
+        {"pin direction", "Pin Sideways a\n", "Unsupported pin direction 'Sideways' on line 1."},
+        {"pin twice", "Pin Input a a\n", "Error in main.ctc:1: pin/port name duplication 'a'."},
+        {"pin after port", "Port Input 2 a\nPin Output a\n",
+         "Error in main.ctc:2: pin/port name duplication 'a'."},
+        {"port twice", "Port Output 2 a(ztr=on) a\n", "Error in main.ctc:1: pin/port name duplication 'a'."},
+        {"port of a part", "Unit And x\nNet n x.q\n", "Error at main.ctc:2: Port not found: 'x.q'."},
+        {"no such part", "Net a p.q\n", "Error at main.ctc:1: Port not found: 'p.q'."},
+        {"net name twice", "Unit And x\nNet n x.a\nNet n x.b\n",
+         "Duplicate net names: 'n', in circuit 'main.ctc'."},
+        {"widths differ", "Port Input 2 d\nUnit And x\nNet n d x.a\n",
+         "The port 'a' has size 1, but is added to net 'n' with size 2."},
+        {"parameters on an array", "Unit And g(delay=1)[2]\n",
+         "Parse error: trailing characters or unmatched paranthesis in instance specification "
+         "'g(delay=1)[2]'."},
+    };
+    for (const Case& c : cases) {
+        TempDir dir;
+        EXPECT_EQ(build_error(dir, {{"main.ctc", c.text}}), c.want) << c.what;
+    }
+}
+
+TEST(CircuitBuildTest, PortDirectionIsCheckedAgainWhenBuilding)
+{
+    std::vector<std::string> tokens = {"Port", "Input", "1", "p"};
+    PortLine line(tokens, 9, "f.ctc");
+    line.direction = "Sideways";
+    BuildHarness top("top", nullptr);
+    try {
+        top._add_circuit_port(line);
+        FAIL() << "no error";
+    } catch (const Error& e) {
+        EXPECT_EQ(e.message(), "Unsupported port direction 'Sideways' on line 9.");
+    }
+}
+
+TEST(CircuitBuildTest, UnconnectedInputsOncePerInstanceNeverInTheDeclaration)
+{
+    TempDir dir;
+    auto top = load(dir, {{"main.ctc", "Circuit Half {\n"
+                                       "   Pin Input a b\n"
+                                       "   Unit And g\n"
+                                       "   Net a a g.a\n"
+                                       "}\n"
+                                       "Pin Input in\n"
+                                       "Unit Half h[2]\n"
+                                       "Net n in h[0].a h[0].b h[1].a\n"}});
+    LineLog sink;
+    top->set_simlog(&sink);
+    top->check_connections();
+    const std::vector<std::string> want = {
+        "1 [g(And) in h[0] | WARNING] Input port 'b' of component 'And'/'g' is not connected.",
+        "1 [h[1](Half) in main.ctc | WARNING] Input port 'b' of component 'Half'/'h[1]' is not connected.",
+        "1 [g(And) in h[1] | WARNING] Input port 'b' of component 'And'/'g' is not connected.",
+    };
+    EXPECT_EQ(sink.lines, want);
+}
+
+TEST(CircuitBuildTest, DataFilesResolveThroughNestedFiles)
+{
+    TempDir dir;
+    auto top = load(dir,
+                    {{"top/y.ctc", "Circuit X \"sub/x.ctc\"\nUnit X x\n"},
+                     {"top/sub/x.ctc", "Circuit Local {\n}\nUnit Local inner\n"}},
+                    "top/y.ctc");
+    auto* x = dynamic_cast<Circuit*>(top->find_component("x"));
+    ASSERT_NE(x, nullptr);
+    EXPECT_EQ(x->filename(), "sub/x.ctc");
+    EXPECT_EQ(x->filepath(), "top/sub/x.ctc");
+    auto* inner = dynamic_cast<Circuit*>(top->find_component_recursive("x.inner"));
+    ASSERT_NE(inner, nullptr);
+    EXPECT_EQ(inner->hierachical_filepath("rom.hex"), "top/sub/rom.hex");
+    EXPECT_TRUE(inner->is_imported());
+    EXPECT_EQ(inner->circuit_spec(), nullptr);
+}
+
+TEST(CircuitBuildTest, ReaderBuildsIntoACircuitOrKeepsWhatItMade)
+{
+    TempDir dir;
+    dir.write("one.ctc", "Pin Input a\n");
+    Circuit given("given", nullptr);
+    CircuitFileReader::read("one.ctc", &given);
+    EXPECT_EQ(given.instance_name(), "one.ctc");
+    EXPECT_NE(given.port("a"), nullptr);
+    CircuitFileReader reader;
+    Circuit* kept = reader.build_circuit("one.ctc");
+    EXPECT_EQ(kept->ports().size(), 1u);
+    try {
+        reader.build_circuit("none.ctc");
+        FAIL() << "no error";
+    } catch (const Error& e) {
+        EXPECT_EQ(e.message(), "Error: File not found: 'none.ctc'.");
+    }
+}

@@ -1,0 +1,53 @@
+// Shared by the circuit tests: a circuit with its protected steps open, a sink that keeps its lines,
+// and the text of a value history.
+#ifndef MORVANE_TESTS_UNIT_CIRCUIT_CIRCUITHARNESS_H
+#define MORVANE_TESTS_UNIT_CIRCUIT_CIRCUITHARNESS_H
+
+#include "Core/Circuit/Circuit.h"
+#include "Core/Simulation/ValueHistory.h"
+#include "Core/Support/SimLog.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+/// A circuit whose protected steps the tests call directly.
+class OpenCircuit : public Circuit
+{
+public:
+    using Circuit::_add_net;
+    using Circuit::_create_port;
+    using Circuit::_find_net;
+    using Circuit::_parse_name_and_params;
+    using Circuit::_split_path;
+    using Circuit::_split_port_path;
+    using Circuit::_update_instances_of;
+    using Circuit::Circuit;
+};
+
+/// Keeps every line with its level in front: "1 text".
+class LineLog : public SimLog
+{
+public:
+    void log(LogLevel level, const char* format, va_list args) override
+    {
+        char text[2048];
+        vsnprintf(text, sizeof text, format, args);
+        lines.push_back(std::to_string(level) + " " + text);
+    }
+    void clear() override { lines.clear(); }
+
+    std::vector<std::string> lines;  // in the order logged
+};
+
+/// "time value " for every recorded change.
+inline std::string record_of(const ValueHistory& history)
+{
+    std::string text;
+    for (const auto& entry : history.entries())
+        text += std::to_string(entry.time) + entry.value.c_str() + " ";
+    return text;
+}
+
+#endif  // MORVANE_TESTS_UNIT_CIRCUIT_CIRCUITHARNESS_H
