@@ -267,8 +267,7 @@ public:
     Component* part(const std::string& type, const std::string& spec)
     {
         Component* c = parts.create(type, spec);
-        // Names are unique by construction; the checked add would be quadratic in N.
-        root.add_component(c);
+        root.add(c, false);
         return c;
     }
     Port* source(const std::string& name)

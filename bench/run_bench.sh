@@ -2,7 +2,9 @@
 # The benchmark run of `make bench`: the micro-benchmarks, then the generated circuits at several
 # sizes through morvane_stats, one table row per case.
 #
-#   bench/run_bench.sh [--quick] [--sizes "1000 10000"] [--kinds "chain mesh"] [--peer]
+#   bench/run_bench.sh [--quick] [--no-micro] [--sizes "1000 10000"] [--kinds "chain mesh"] [--peer]
+#
+# --kinds "" skips the generated circuits.
 #
 # --peer also runs the yardstick circuits of ../shared/bench/gen.py (chain and mesh, N = 1000 and
 # 10000) through morvane beside the peer's script run_peer.sh, and prints the ratio of events/s.
@@ -15,10 +17,12 @@ work=${WORK_DIR:-/tmp/morvane-gen}
 sizes="1000 10000 100000"
 kinds="chain mesh fanout bus"
 quick=0
+micro=1
 peer=0
 while [ $# -gt 0 ]; do
     case $1 in
     --quick) quick=1; sizes="1000 10000" ;;
+    --no-micro) micro=0 ;;
     --sizes) sizes=$2; shift ;;
     --kinds) kinds=$2; shift ;;
     --peer) peer=1 ;;
@@ -30,12 +34,14 @@ done
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DMORVANE_TESTS=OFF -DMORVANE_BENCH=ON >/dev/null
 cmake --build "$build" -j "$(nproc)" >/dev/null
 
-echo "## Micro-benchmarks (Release)"
-echo
-if [ $quick = 1 ]; then
-    "$build/bench/hotpath_bench" --benchmark_min_time=0.05
-else
-    "$build/bench/hotpath_bench"
+if [ $micro = 1 ]; then
+    echo "## Micro-benchmarks (Release)"
+    echo
+    if [ $quick = 1 ]; then
+        "$build/bench/hotpath_bench" --benchmark_min_time=0.05
+    else
+        "$build/bench/hotpath_bench"
+    fi
 fi
 
 stats="$build/bench/morvane_stats"
