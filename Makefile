@@ -24,9 +24,9 @@ test:
 	$(CMAKE) --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
 
+# Builds Release, runs the micro-benchmarks and the generated circuits, prints the tables.
 bench:
-	$(CMAKE) -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DMORVANE_TESTS=OFF -DMORVANE_BENCH=ON
-	$(CMAKE) --build $(BENCH_DIR) -j $(JOBS)
+	BUILD_DIR=$(CURDIR)/$(BENCH_DIR) bench/run_bench.sh
 
 # The fuzz build uses clang for everything; the gcc builds above stay as they are.
 fuzz-build:

@@ -22,58 +22,76 @@ Dict& Dict::operator=(const Dict& other)
 
 Dict::~Dict()
 {
-    for (Dict* owned : _owned_dicts)
-        delete owned;
+    if (_data) {
+        for (Dict* owned : _data->owned_dicts)
+            delete owned;
+    }
+}
+
+Dict::Data& Dict::_w()
+{
+    if (!_data)
+        _data = std::make_unique<Data>();
+    return *_data;
+}
+
+const Dict::Data& Dict::_empty_data()
+{
+    static const Data empty;
+    return empty;
 }
 
 double& Dict::get_double(const std::string& key, bool create)
 {
-    auto it = _doubles.find(key);
-    if (it != _doubles.end())
+    auto& doubles = _w().doubles;
+    auto it = doubles.find(key);
+    if (it != doubles.end())
         return it->second;
     if (!create)
         throw Error("No such double: '%s'", key.c_str());
-    return _doubles[key] = 0.0;
+    return doubles[key] = 0.0;
 }
 
 bool& Dict::get_bool(const std::string& key, bool create)
 {
-    auto it = _bools.find(key);
-    if (it != _bools.end())
+    auto& bools = _w().bools;
+    auto it = bools.find(key);
+    if (it != bools.end())
         return it->second;
     if (!create)
         throw Error("No such bool: '%s'", key.c_str());
-    return _bools[key] = false;
+    return bools[key] = false;
 }
 
 std::string& Dict::get_string(const std::string& key, bool create)
 {
-    auto it = _strings.find(key);
-    if (it != _strings.end())
+    auto& strings = _w().strings;
+    auto it = strings.find(key);
+    if (it != strings.end())
         return it->second;
     if (!create)
         throw Error("No such string: '%s'", key.c_str());
-    return _strings[key];
+    return strings[key];
 }
 
 Dict* Dict::make_dict(const std::string& key)
 {
     Dict* dict = new Dict();
-    _owned_dicts.insert(dict);
-    _dicts[key] = dict;
+    _w().owned_dicts.insert(dict);
+    _w().dicts[key] = dict;
     return dict;
 }
 
 Dict* Dict::assure_dict_exists(const std::string& key)
 {
-    auto it = _dicts.find(key);
-    return it != _dicts.end() ? it->second : make_dict(key);
+    auto it = _r().dicts.find(key);
+    return it != _r().dicts.end() ? it->second : make_dict(key);
 }
 
 Dict* Dict::get_dict(const std::string& key, bool create)
 {
-    auto it = _dicts.find(key);
-    if (it != _dicts.end())
+    auto it = _r().dicts.find(key);
+    if (it != _r().dicts.end())
         return it->second;
     if (!create)
         throw Error("No such dict: '%s'", key.c_str());
@@ -82,42 +100,43 @@ Dict* Dict::get_dict(const std::string& key, bool create)
 
 Dict* Dict::get_dict2(const std::string& key) const
 {
-    auto it = _dicts.find(key);
-    if (it == _dicts.end())
+    auto it = _r().dicts.find(key);
+    if (it == _r().dicts.end())
         throw Error("No such dict: '%s'", key.c_str());
     return it->second;
 }
 
 Dict::List& Dict::make_empty_dict_list(const std::string& key)
 {
-    List& list = _dict_lists[key];
+    List& list = _w().dict_lists[key];
     list.clear();
     return list;
 }
 
 Dict::List& Dict::get_dict_list(const std::string& key, bool create)
 {
-    auto it = _dict_lists.find(key);
-    if (it != _dict_lists.end())
+    auto& lists = _w().dict_lists;
+    auto it = lists.find(key);
+    if (it != lists.end())
         return it->second;
     if (!create)
         throw Error("No such list: '%s'", key.c_str());
-    return _dict_lists[key];
+    return lists[key];
 }
 
 Dict* Dict::make_dict_in_list(const std::string& key)
 {
     Dict* dict = new Dict();
-    _owned_dicts.insert(dict);
-    _dict_lists[key].push_back(dict);
+    _w().owned_dicts.insert(dict);
+    _w().dict_lists[key].push_back(dict);
     return dict;
 }
 
 Dict* Dict::_find_in_list(const List& list, const std::string& name)
 {
     for (Dict* entry : list) {
-        auto it = entry->_strings.find("name");
-        if (it != entry->_strings.end() && it->second == name)
+        auto it = entry->_r().strings.find("name");
+        if (it != entry->_r().strings.end() && it->second == name)
             return entry;
     }
     return nullptr;
@@ -125,8 +144,8 @@ Dict* Dict::_find_in_list(const List& list, const std::string& name)
 
 bool Dict::has_dict_in_list(const std::string& key, const std::string& name) const
 {
-    auto it = _dict_lists.find(key);
-    return it != _dict_lists.end() && _find_in_list(it->second, name) != nullptr;
+    auto it = _r().dict_lists.find(key);
+    return it != _r().dict_lists.end() && _find_in_list(it->second, name) != nullptr;
 }
 
 Dict* Dict::get_dict_in_list(const std::string& key, const std::string& name, bool create)
@@ -143,7 +162,9 @@ Dict* Dict::get_dict_in_list(const std::string& key, const std::string& name, bo
 
 bool Dict::is_empty() const
 {
-    return _doubles.empty() && _bools.empty() && _strings.empty() && _dicts.empty() && _dict_lists.empty();
+    const Data& d = _r();
+    return d.doubles.empty() && d.bools.empty() && d.strings.empty() && d.dicts.empty() &&
+           d.dict_lists.empty();
 }
 
 void Dict::print() const
@@ -157,28 +178,28 @@ void Dict::print() const
 void Dict::_print_strings() const
 {
     TLog log;
-    for (const auto& [key, value] : _strings)
+    for (const auto& [key, value] : _r().strings)
         log("%s: '%s'", key.c_str(), value.c_str());
 }
 
 void Dict::_print_doubles() const
 {
     TLog log;
-    for (const auto& [key, value] : _doubles)
+    for (const auto& [key, value] : _r().doubles)
         log("%s: %5.1f", key.c_str(), value);
 }
 
 void Dict::_print_bools() const
 {
     TLog log;
-    for (const auto& [key, value] : _bools)
+    for (const auto& [key, value] : _r().bools)
         log("%s: %d", key.c_str(), value ? 1 : 0);
 }
 
 void Dict::_print_dicts() const
 {
     TLog log;
-    for (const auto& [key, dict] : _dicts) {
+    for (const auto& [key, dict] : _r().dicts) {
         log("%s:", key.c_str());
         // Its own sections open one level below this heading.
         dict->print();
@@ -188,7 +209,7 @@ void Dict::_print_dicts() const
 void Dict::_print_arrays() const
 {
     TLog log;
-    for (const auto& [key, list] : _dict_lists) {
+    for (const auto& [key, list] : _r().dict_lists) {
         log("%s (%d):", key.c_str(), static_cast<int>(list.size()));
         for (size_t i = 0; i < list.size(); ++i) {
             log("[%d]", static_cast<int>(i));
@@ -199,17 +220,22 @@ void Dict::_print_arrays() const
 
 void Dict::_copy_data_structures_from_other(const Dict& other)
 {
-    _doubles = other._doubles;
-    _bools = other._bools;
-    _strings = other._strings;
+    // Copying nothing onto nothing leaves both without contents.
+    if (!other._data && !_data)
+        return;
+    const Data& theirs = other._r();
+    Data& mine = _w();
+    mine.doubles = theirs.doubles;
+    mine.bools = theirs.bools;
+    mine.strings = theirs.strings;
 
     // Foreign pointers of `other` are copied too, so that nothing is shared.
-    _dicts.clear();
-    for (const auto& [key, dict] : other._dicts)
+    mine.dicts.clear();
+    for (const auto& [key, dict] : theirs.dicts)
         make_dict(key)->_copy_data_structures_from_other(*dict);
 
-    _dict_lists.clear();
-    for (const auto& [key, list] : other._dict_lists) {
+    mine.dict_lists.clear();
+    for (const auto& [key, list] : theirs.dict_lists) {
         make_empty_dict_list(key);
         for (const Dict* entry : list)
             make_dict_in_list(key)->_copy_data_structures_from_other(*entry);

@@ -109,7 +109,9 @@ void Component::add_pin(Pin* pin)
 
 void Component::value_changed(const ValueHistory* source, ValueChange& change)
 {
-    Port* p = dynamic_cast<Port*>(const_cast<ValueHistory*>(source));
+    // Every Port marks its history, which spares a dynamic_cast per change.
+    Port* p = source != nullptr && source->is_port() ? static_cast<Port*>(const_cast<ValueHistory*>(source))
+                                                     : nullptr;
     port_changed_value(p, change.old_value, change.new_value, change.time);
 }
 

@@ -64,23 +64,7 @@ PinDriveStatus PinDriveStatus::operator+=(const PinDriveStatus& other)
 
 BitState PinDriveStatus::resulting_value() const
 {
-    if (_output_ports == _tri_states)
-        return BitState::Tristate;
-    if (_pull_ups != 0 && _pull_downs != 0)
-        return BitState::Undefined;
-    int others = _output_ports - _tri_states - _highs - _lows - _pull_ups - _pull_downs;
-    if (others == 0 && _highs + _lows < 2) {
-        // A strong driver overrides a pull.
-        if (_highs != 0)
-            return BitState::High;
-        if (_lows != 0)
-            return BitState::Low;
-        if (_pull_ups != 0)
-            return BitState::High;
-        if (_pull_downs != 0)
-            return BitState::Low;
-    }
-    return BitState::Undefined;
+    return resolve_drivers(_output_ports, _highs, _lows, _tri_states, _pull_ups, _pull_downs);
 }
 
 PortDriveStatus::PortDriveStatus(int width) : _width(static_cast<std::uint8_t>(width))

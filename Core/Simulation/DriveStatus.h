@@ -7,6 +7,28 @@
 
 #include <cstdint>
 
+/// The state of a bit from the counts of its drivers: all of them (o), H, L, z, pull-ups, pull-downs.
+constexpr Morvane::BitState resolve_drivers(unsigned o, unsigned h, unsigned l, unsigned t, unsigned p,
+                                            unsigned n)
+{
+    if (o == t)
+        return Morvane::BitState::Tristate;
+    if (p != 0 && n != 0)
+        return Morvane::BitState::Undefined;
+    if (o - t - h - l - p - n == 0 && h + l < 2) {
+        // A strong driver overrides a pull.
+        if (h != 0)
+            return Morvane::BitState::High;
+        if (l != 0)
+            return Morvane::BitState::Low;
+        if (p != 0)
+            return Morvane::BitState::High;
+        if (n != 0)
+            return Morvane::BitState::Low;
+    }
+    return Morvane::BitState::Undefined;
+}
+
 /// Counts the drivers of one bit by kind. Resolution, in order:
 /// - every driver z (or none at all): z;
 /// - a pull-up and a pull-down together: u, whatever else drives;

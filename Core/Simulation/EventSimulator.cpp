@@ -1,12 +1,43 @@
 #include "Core/Simulation/EventSimulator.h"
 
 #include "Core/Circuit/Circuit.h"
+#include "Core/Components/Component.h"
 #include "Core/Simulation/Net.h"
 #include "Core/Simulation/Port.h"
 #include "Core/Support/Error.h"
 #include "Core/Support/TLog.h"
 
 EventSimulator* EventSimulator::instance = nullptr;
+
+namespace {
+
+constexpr int prefetch_distance = 4;  // actions of a slot fetched ahead of the one running
+
+// The first lines of the part or net and of the port that an action will touch.
+void prefetch_action(const ActionRecord& record)
+{
+    const char* target = static_cast<const char*>(record.target);
+    for (int line = 0; line < 5; ++line)
+        __builtin_prefetch(target + 64 * line);
+    if (const char* port = reinterpret_cast<const char*>(record.port)) {
+        for (int line = 0; line < 4; ++line)
+            __builtin_prefetch(port + 64 * line);
+    }
+}
+
+// One literal format, so the compiler checks it; only the indentation differs.
+void print_action(TLog& log, const char* indent, const ActionStore& store, std::uint32_t id)
+{
+    const ActionRecord& record = store[id];
+    bool net_action = store.is_net_action(id);
+    auto* component = net_action ? nullptr : static_cast<Component*>(record.target);
+    auto* net = net_action ? static_cast<Net*>(record.target) : nullptr;
+    log("%sC=%s N=%s P=%s V=%s", indent, component != nullptr ? component->instance_name().c_str() : "-",
+        net != nullptr ? net->name().c_str() : "-",
+        record.port != nullptr ? record.port->name().c_str() : "-", store.value(id).c_str());
+}
+
+}  // namespace
 
 EventSimulator::EventSimulator(Circuit& circuit) : _circuit(&circuit)
 {
@@ -54,7 +85,11 @@ void EventSimulator::reset(int end_time)
 {
     _actions.clear();
     _current = _actions.end();
+    _kept.clear();
     _same_time_actions.clear();
+    _same_time_store.clear();
+    for (CachedSlot& cached : _slot_cache)
+        cached = CachedSlot{};
     _time = no_time;
     if (_circuit != nullptr) {
         _circuit->reset();
@@ -81,69 +116,101 @@ void EventSimulator::simulate(int end_time)
     }
 }
 
-void EventSimulator::_run_actions(const ActionQueue& slot)
+void EventSimulator::_run(const ActionStore& store, std::uint32_t id)
+{
+    // Read everything first: the action's own requests may add records.
+    const ActionRecord& record = store[id];
+    int t = _time;
+    Port* port = record.port;
+    ++_nof_actions_run;
+    if (record.value == 0) {
+        ++_nof_evaluations_run;
+        auto* component = static_cast<Component*>(record.target);
+        if (port != nullptr)
+            component->evaluate_port(t, port);
+        else
+            component->evaluate(t);
+    } else {
+        // The net recomputes from its drivers; the value only told two requests apart.
+        static_cast<Net*>(record.target)->update(t, std::set<Net*>());
+    }
+}
+
+void EventSimulator::_run_actions(ActionList& slot)
 {
     // Nothing can join a slot while it runs: requests for the running time go to the same-time list.
-    for (std::size_t i = 0; i < slot.size(); ++i)
-        slot[i].run(this);
+    // The parts of a slot lie all over memory; fetching a few actions ahead overlaps their misses.
+    std::uint32_t ahead = slot.first();
+    for (int k = 0; k < prefetch_distance && ahead != ActionRecord::none; ++k) {
+        prefetch_action(_kept[ahead]);
+        ahead = _kept[ahead].next;
+    }
+    for (std::uint32_t id = slot.first(); id != ActionRecord::none; id = _kept[id].next) {
+        if (ahead != ActionRecord::none) {
+            prefetch_action(_kept[ahead]);
+            ahead = _kept[ahead].next;
+        }
+        _run(_kept, id);
+    }
+    // A slot that has run is rarely asked for again; its index would only take memory.
+    slot.drop_index();
 }
 
 void EventSimulator::_run_same_time_actions()
 {
     // The list grows while it runs; a zero-delay loop would never end, so the step is bounded.
     int countdown = 1002;
-    for (std::size_t i = 0; i < _same_time_actions.size(); ++i) {
-        _same_time_actions[i].run(this);
+    for (std::uint32_t id = _same_time_actions.first(); id != ActionRecord::none;
+         id = _same_time_store[id].next) {
+        _run(_same_time_store, id);
         if (--countdown == 0)
             throw Error(
                 "1000 iterations in same time-event loop: probably a circuit/net circular dependency");
     }
     _same_time_actions.clear();
+    _same_time_store.clear();
 }
 
 void EventSimulator::request_evaluation(int time, Net* net, Port* port, const Value& value)
 {
-    _request(time, EvalAction(net, port, value));
+    _request(time, net, port, &value);
 }
 
 void EventSimulator::request_evaluation(int time, Component* component, Port* port)
 {
-    _request(time, EvalAction(component, port));
+    _request(time, component, port, nullptr);
 }
 
-void EventSimulator::_request(int time, EvalAction&& action)
+void EventSimulator::_request(int time, void* target, Port* port, const Value* value)
 {
     // Equal requests are dropped; the same-time list remembers what already ran at this time.
     if (time == _time)
-        _same_time_actions.push(std::move(action));
+        _same_time_actions.push(_same_time_store, target, port, value);
     else
-        _actions[time].push(std::move(action));
+        _slot(time).push(_kept, target, port, value);
+}
+
+ActionList& EventSimulator::_slot(int time)
+{
+    CachedSlot& cached = _slot_cache[static_cast<unsigned>(time) & (slot_cache_size - 1)];
+    if (cached.slot == nullptr || cached.time != time)
+        cached = CachedSlot{time, &_actions[time]};
+    return *cached.slot;
 }
 
 void EventSimulator::_print_components_to_evaluate() const
 {
     TLog log("Event Simulator Status for t=%d", _time);
-    // One literal format, so the compiler checks it; only the indentation differs.
-    auto print_action = [&log](const char* indent, const EvalAction& action) {
-        log("%sC=%s N=%s P=%s V=%s", indent,
-            action.component != nullptr ? action.component->instance_name().c_str() : "-",
-            action.net != nullptr ? action.net->name().c_str() : "-",
-            action.port != nullptr ? action.port->name().c_str() : "-", action.value.c_str());
-    };
     log("- Same time actions:");
-    for (const EvalAction& action : _same_time_actions)
-        print_action("  ", action);
+    for (std::uint32_t id = _same_time_actions.first(); id != ActionRecord::none;
+         id = _same_time_store[id].next)
+        print_action(log, "  ", _same_time_store, id);
     log("- Future actions:");
     for (const auto& [time, slot] : _actions) {
         log("  t=%d:", time);
-        for (const EvalAction& action : slot)
-            print_action("    ", action);
+        for (std::uint32_t id = slot.first(); id != ActionRecord::none; id = _kept[id].next)
+            print_action(log, "    ", _kept, id);
     }
-}
-
-EventSimulator* simulator()
-{
-    return EventSimulator::get_instance();
 }
 
 EventSimulator* simulator(Circuit& circuit)

@@ -2,10 +2,12 @@
 #ifndef MORVANE_CORE_SIMULATION_EVENTSIMULATOR_H
 #define MORVANE_CORE_SIMULATION_EVENTSIMULATOR_H
 
-#include "Core/Simulation/ActionQueue.h"
+#include "Core/Simulation/ActionList.h"
 #include "Core/Simulation/EvalAction.h"
 
 #include <climits>
+#include <cstddef>
+#include <cstdint>
 #include <map>
 
 class Circuit;
@@ -49,26 +51,53 @@ public:
     void request_evaluation(int time, Net* net, Port* port, const Value& value);
     void request_evaluation(int time, Component* component, Port* port);
 
+    /// Actions run since the simulator was made, and of those the component evaluations: a
+    /// measure of the work of a run that costs nothing to keep.
+    std::uint64_t nof_actions_run() const { return _nof_actions_run; }
+    std::uint64_t nof_evaluations_run() const { return _nof_evaluations_run; }
+    /// Actions kept in the future queue, and the bytes their store took from the system.
+    std::size_t nof_actions_kept() const { return _kept.size(); }
+    std::size_t bytes_of_actions_kept() const { return _kept.bytes(); }
+
     void _print_components_to_evaluate() const;
 
 private:
+    // A slot recently asked for; most requests go a few ns ahead of the running time.
+    struct CachedSlot
+    {
+        int time;          // ns
+        ActionList* slot;  // in _actions, or null
+    };
+    static constexpr std::size_t slot_cache_size = 64;  // a power of 2
+
     void _register();
-    void _request(int time, EvalAction&& action);
-    void _run_actions(const ActionQueue& slot);
+    /// A net action (value given) or a component action (value null), as the engine keeps them.
+    void _request(int time, void* target, Port* port, const Value* value);
+    ActionList& _slot(int time);
+    void _run(const ActionStore& store, std::uint32_t id);
+    void _run_actions(ActionList& slot);
     void _run_same_time_actions();
 
     static EventSimulator* instance;  // the global instance, or null
 
-    Circuit* _circuit;                              // the root circuit
-    std::map<int, ActionQueue> _actions;            // future queue by time; run slots stay until reset
-    std::map<int, ActionQueue>::iterator _current;  // the slot being run
-    ActionQueue _same_time_actions;                 // actions requested for the running time
-    int _max_time = 0;                              // ns, last end time of simulate
-    volatile bool* _stop_variable = nullptr;        // external stop request, polled per slot
-    int _time = no_time;                            // ns, the time now running
+    Circuit* _circuit;                             // the root circuit
+    std::map<int, ActionList> _actions;            // future queue by time; run slots stay until reset
+    std::map<int, ActionList>::iterator _current;  // the slot being run
+    ActionStore _kept;                             // the actions of all slots of _actions
+    ActionStore _same_time_store;                  // the actions of the same-time list
+    ActionList _same_time_actions;                 // actions requested for the running time
+    CachedSlot _slot_cache[slot_cache_size] = {};  // by time modulo the size
+    int _max_time = 0;                             // ns, last end time of simulate
+    volatile bool* _stop_variable = nullptr;       // external stop request, polled per slot
+    int _time = no_time;                           // ns, the time now running
+    std::uint64_t _nof_actions_run = 0;            // since the simulator was made
+    std::uint64_t _nof_evaluations_run = 0;        // component actions among them
 };
 
-EventSimulator* simulator();
+inline EventSimulator* simulator()
+{
+    return EventSimulator::get_instance();
+}
 EventSimulator* simulator(Circuit& circuit);
 EventSimulator* simulator(Circuit* circuit);
 void destroy_simulator();

@@ -5,6 +5,8 @@
 #include "Core/Support/TLog.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <string>
 
 using Morvane::BitState;
@@ -185,44 +187,147 @@ void Net::compute_value(int time, Value& out)
         out[bit] = Morvane::letter(_compute_bit_value(bit, time));
 }
 
+namespace {
+
+// The counts of the drivers of one bit, as PinDriveStatus keeps them, without its vtable.
+struct BitDrivers
+{
+    std::uint8_t all;         // every driver recorded
+    std::uint8_t highs;       // H
+    std::uint8_t lows;        // L
+    std::uint8_t tri_states;  // z
+    std::uint8_t pull_ups;    // p
+    std::uint8_t pull_downs;  // n
+};
+
+void record_driver(BitDrivers& bit, char c)
+{
+    if (bit.all == 255)
+        throw Error("*** ERROR: Maximum size of a a network is reached. Max 255 ports per net.");
+    ++bit.all;
+    switch (Morvane::lower_letter(c)) {
+    case 'h':
+        ++bit.highs;
+        break;
+    case 'l':
+        ++bit.lows;
+        break;
+    case 'z':
+        ++bit.tri_states;
+        break;
+    case 'p':
+        ++bit.pull_ups;
+        break;
+    case 'n':
+        ++bit.pull_downs;
+        break;
+    default:
+        break;
+    }
+}
+
+// What a bit reads with this letter from its only driver.
+char resolve_single_driver(char c)
+{
+    switch (Morvane::lower_letter(c)) {
+    case 'h':
+    case 'p':
+        return 'H';
+    case 'l':
+    case 'n':
+        return 'L';
+    case 'z':
+        return 'z';
+    default:
+        return 'u';
+    }
+}
+
+constexpr std::size_t few_drivers = 8;  // drivers gathered before counting starts
+
+}  // namespace
+
 bool Net::_compute_value_fast(int time, Value& out)
 {
     // Without pin specs and tied nets every driver covers every bit at the same place, so reading
     // each driver once gives the counts, and the first error, of the bit-by-bit walk.
     if (!_pin_specs.empty())
         return false;
-    unsigned width = size();
-    PortDriveStatus status(static_cast<int>(width));
-    for (Port* port : _ports) {
+    Port* drivers[few_drivers];
+    std::size_t nof_drivers = 0;
+    std::size_t i = 0;
+    for (; i < _ports.size() && nof_drivers < few_drivers; ++i) {
+        Port* port = _ports[i];
         if (port->dir() == Inout)
             return false;
-        if (!port->drives(this))
-            continue;
+        if (port->drives(this))
+            drivers[nof_drivers++] = port;
+    }
+    unsigned width = size();
+    if (i == _ports.size() && nof_drivers == 1) {
+        // The common net: one driver, whose letters resolve one by one.
+        Value driven = drivers[0]->value(time);
+        if (driven.size() != width)
+            return false;
+        const char* letters = driven.c_str();
+        for (unsigned bit = 0; bit < width; ++bit)
+            out.left_indexed_bit(bit) = resolve_single_driver(letters[bit]);
+        return true;
+    }
+    BitDrivers counts[256];
+    std::memset(counts, 0, width * sizeof(BitDrivers));
+    auto record = [&](Port* port) {
         Value driven = port->value(time);
         if (driven.size() != width)
             return false;
         const char* letters = driven.c_str();
         for (unsigned bit = 0; bit < width; ++bit)
-            status.pin(static_cast<int>(bit)).record_value(letters[width - 1 - bit]);
+            record_driver(counts[bit], letters[width - 1 - bit]);
+        return true;
+    };
+    for (std::size_t d = 0; d < nof_drivers; ++d) {
+        if (!record(drivers[d]))
+            return false;
     }
-    for (unsigned bit = 0; bit < width; ++bit)
-        out[bit] = Morvane::letter(status.pin(static_cast<int>(bit)).resulting_value());
+    for (; i < _ports.size(); ++i) {
+        Port* port = _ports[i];
+        if (port->dir() == Inout)
+            return false;
+        if (port->drives(this) && !record(port))
+            return false;
+    }
+    for (unsigned bit = 0; bit < width; ++bit) {
+        const BitDrivers& c = counts[bit];
+        out[bit] =
+            Morvane::letter(resolve_drivers(c.all, c.highs, c.lows, c.tri_states, c.pull_ups, c.pull_downs));
+    }
     return true;
 }
 
 void Net::update(int time, std::set<Net*> visited)
 {
     Value resolved(static_cast<int>(size()));
-    compute_value(time, resolved);
+    // The fast path gives up on any inout port, so when it succeeds no net is tied to this one.
+    bool tied = false;
+    if (!_compute_value_fast(time, resolved)) {
+        compute_value(time, resolved);
+        tied = std::any_of(_ports.begin(), _ports.end(), [](Port* p) { return p->dir() == Inout; });
+    }
     ValueHistory::set(resolved, time);
 
-    bool tied = std::any_of(_ports.begin(), _ports.end(), [](Port* p) { return p->dir() == Inout; });
     if (tied) {
         visited.insert(this);
         _update_connected_nets(time, visited);
     }
 
+    // A net with many listeners reaches ports all over memory; fetching a few ahead overlaps the misses.
+    constexpr std::size_t ahead = 4;
     for (std::size_t i = 0; i < _ports.size(); ++i) {
+        if (i + ahead < _ports.size()) {
+            const char* next = reinterpret_cast<const char*>(_ports[i + ahead]);
+            for (int line = 0; line < 4; ++line)
+                __builtin_prefetch(next + 64 * line);
+        }
         Port* port = _ports[i];
         Morvane::Dir dir = port->dir();
         if ((dir == Input && port->net(Outside) == this) || (dir == Output && port->net(Inside) == this))

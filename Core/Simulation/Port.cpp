@@ -22,6 +22,7 @@ Port::Port(int size, Dir dir, const std::string& name, Component* component)
       _dir(dir),
       _component(component)
 {
+    _mark_as_port();
 }
 
 Port::Port(Port* source, Component* component)
@@ -32,6 +33,7 @@ Port::Port(Port* source, Component* component)
       _component(component),
       _z_translation(source->_z_translation)
 {
+    _mark_as_port();
 }
 
 Port::~Port()

@@ -52,18 +52,16 @@ Value::Value(int width) : _size(wrap_width(static_cast<std::size_t>(width)))
     _init_after_size_change();
 }
 
-Value::Value(const Value& other) : _size(other._size)
+void Value::_copy_to_heap(const Value& other)
 {
-    // A copy takes the store its width needs, whatever store the source kept after a truncation.
-    if (_dynamic_alloc(_size))
-        _dynamic_array = new char[_size + 1];
-    std::memcpy(_store(), other._store(), _size + 1u);
+    _dynamic_array = new char[_size + 1];
+    std::memcpy(_dynamic_array, other._store(), _size + 1u);
 }
 
 Value::Value(Value&& other) noexcept : _dynamic_array(other._dynamic_array), _size(other._size)
 {
     if (!_dynamic_array)
-        std::memcpy(_small_array, other._small_array, _size + 1u);
+        std::memcpy(_small_array, other._small_array, sizeof _small_array);
     other._dynamic_array = nullptr;
     other._size = 0;
     other._small_array[0] = '\0';
@@ -101,11 +99,6 @@ Value::Value(const std::string& text, int width)
         delete[] _dynamic_array;
         throw;
     }
-}
-
-Value::~Value()
-{
-    delete[] _dynamic_array;
 }
 
 Value Value::from_int(int x)
@@ -206,20 +199,6 @@ bool Value::operator==(const char* text) const
 bool Value::operator==(const std::string& text) const
 {
     return text.size() == _size && *this == text.c_str();
-}
-
-bool Value::operator==(const Value& other) const
-{
-    // The other's width is not looked at: a narrower other differs at its closing NUL.
-    if (other._size < _size)
-        return false;
-    const char* mine = _store();
-    const char* theirs = other._store();
-    for (unsigned i = 0; i < _size; ++i) {
-        if (lower_letter(mine[i]) != lower_letter(theirs[i]))
-            return false;
-    }
-    return true;
 }
 
 bool Value::matches(char c) const
@@ -449,8 +428,14 @@ void Value::_assure_array_allocation(unsigned n)
 void Value::_init_after_size_change()
 {
     delete[] _dynamic_array;
-    _dynamic_array = _dynamic_alloc(_size) ? new char[_size + 1] : nullptr;
-    char* store = _store();
-    std::memset(store, 'u', _size);
-    store[_size] = '\0';
+    if (_dynamic_alloc(_size)) {
+        _dynamic_array = new char[_size + 1];
+        std::memset(_dynamic_array, 'u', _size);
+        _dynamic_array[_size] = '\0';
+        return;
+    }
+    // All of the small store at once, then the end: cheaper than a fill of `_size` bytes.
+    _dynamic_array = nullptr;
+    std::memset(_small_array, 'u', small_capacity);
+    _small_array[_size] = '\0';
 }

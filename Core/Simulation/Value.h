@@ -5,6 +5,7 @@
 #include "Core/Simulation/BitState.h"
 
 #include <cstdint>
+#include <cstring>
 #include <iosfwd>
 #include <string>
 
@@ -22,7 +23,15 @@ class Value
 public:
     /// width bits, all u.
     explicit Value(int width = 0);
-    Value(const Value& other);
+    Value(const Value& other) : _size(other._size)
+    {
+        // A copy takes the store its width needs, whatever store the source kept after a truncation.
+        // A small one is copied whole: a fixed-size copy is far cheaper than one of `_size` bytes.
+        if (_dynamic_alloc(_size))
+            _copy_to_heap(other);
+        else
+            std::memcpy(_small_array, other._store(), sizeof _small_array);
+    }
     Value(Value&& other) noexcept;
     /// c at the least significant place; the high bits are L if c is binary, else u.
     Value(char c, int width);
@@ -30,7 +39,20 @@ public:
     /// With width 0 the width is the length of the text; the high bits are padded as above.
     Value(const char* text, int width = 0);
     Value(const std::string& text, int width = 0);
-    virtual ~Value();
+    virtual ~Value() { delete[] _dynamic_array; }
+
+    /// Exactly `width` letters as they are, no padding; `width` must be below 256.
+    static Value from_letters(const char* letters, unsigned width)
+    {
+        // Stores that keep bare letters hand them out at every lookup: no fill, no library call,
+        // and one named result, so that it is built in place.
+        Value v(_unfilled, width);
+        char* store = v._store();
+        for (unsigned i = 0; i < width; ++i)
+            store[i] = letters[i];
+        store[width] = '\0';
+        return v;
+    }
 
     /// The fewest bits that hold x (8 gives 4 bits); 0 and negative numbers give an empty value.
     static Value from_int(int x);
@@ -64,7 +86,19 @@ public:
     bool operator!=(const std::string& text) const { return !(*this == text); }
     /// One-sided: compares this value's letters with the same places of the other, from the left.
     /// So an empty value equals every value, and a narrow one equals a wider one that starts alike.
-    bool operator==(const Value& other) const;
+    bool operator==(const Value& other) const
+    {
+        // The other's width is not looked at: a narrower other differs at its closing NUL.
+        if (other._size < _size)
+            return false;
+        const char* mine = _store();
+        const char* theirs = other._store();
+        for (unsigned i = 0; i < _size; ++i) {
+            if (mine[i] != theirs[i] && Morvane::lower_letter(mine[i]) != Morvane::lower_letter(theirs[i]))
+                return false;
+        }
+        return true;
+    }
     bool operator!=(const Value& other) const { return !(*this == other); }
 
     /// False unless the width is 1; capital X matches any bit, small x only the bit x.
@@ -112,11 +146,23 @@ public:
 
 private:
     static constexpr unsigned small_capacity = 8;  // bits that fit in the object
+    struct Unfilled
+    {
+    };
+    static constexpr Unfilled _unfilled{};  // picks the constructor that leaves the letters to its caller
+
+    /// A value whose letters the caller writes.
+    Value(Unfilled, unsigned width) : _size(static_cast<std::uint8_t>(width))
+    {
+        if (_dynamic_alloc(_size))
+            _dynamic_array = new char[_size + 1];
+    }
 
     static bool _dynamic_alloc(unsigned width) { return width > small_capacity; }
     char* _store() { return _dynamic_array ? _dynamic_array : _small_array; }
     const char* _store() const { return _dynamic_array ? _dynamic_array : _small_array; }
 
+    void _copy_to_heap(const Value& other);
     void _copy_to_array(const std::string& text) { _copy_to_array(text.c_str(), text.size()); }
     void _copy_to_array(const char* text, std::size_t length);
     void _set_lsb_state(char c);
@@ -126,9 +172,9 @@ private:
     bool _pattern_matches_array(const char* pattern) const;
     [[noreturn]] void _throw_index_error(unsigned i) const;
 
-    char* _dynamic_array = nullptr;         // owned heap store, made once the width exceeded 8; else null
-    char _small_array[small_capacity + 1];  // in-object store: up to 8 letters and the closing NUL
-    std::uint8_t _size = 0;                 // bits
+    char* _dynamic_array = nullptr;  // owned heap store, made once the width exceeded 8; else null
+    char _small_array[small_capacity + 1] = {};  // in-object store: up to 8 letters and the closing NUL
+    std::uint8_t _size = 0;                      // bits
 };
 
 inline bool operator==(char c, const Value& v)

@@ -7,15 +7,14 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <functional>
-#include <memory>
-#include <utility>
 
 ValueHistory::ValueHistory(unsigned size) : _size(size) {}
 
 void ValueHistory::set(const Value& value, int time)
 {
-    if (_values.empty() && _size == 0)
+    if (_records.empty() && _size == 0)
         _size = value.size();
     if (size() != value.size())
         throw Error("ValueHistory: mismatching type width. ValueHistory width=%d, but value width=%d\n",
@@ -25,77 +24,92 @@ void ValueHistory::set(const Value& value, int time)
     Value old_value = this->value(time);
     if (old_value != value)
         _notify_subscribers(old_value, value, time);
+    _store(value, time);
+}
 
+void ValueHistory::_store(const Value& value, int time)
+{
+    if (_records.empty())
+        _records.set_width(value.size());
     // Runs are recorded in ascending time, so the last entry is the common place to write.
-    if (_values.empty() || time > _values.back().time) {
-        _values.push_back(Entry{time, value});
+    std::size_t n = _records.size();
+    if (n == 0 || time > _records.last_time()) {
+        _records.append(time, value.c_str());
         return;
     }
-    std::size_t i = _upper_bound(time);
-    if (i > 0 && _values[i - 1].time == time) {
-        // Same width by the check above: replace in place, no store of its own to allocate.
-        Value& stored = _values[i - 1].value;
-        std::destroy_at(&stored);
-        std::construct_at(&stored, value);
+    std::size_t i = _records.upper_bound(time);
+    if (i > 0 && _records.time(i - 1) == time) {
+        std::memcpy(_records.letters(i - 1), value.c_str(), _records.width());
         return;
     }
-    _values.insert(_values.begin() + static_cast<std::ptrdiff_t>(i), Entry{time, value});
+    _records.insert(i, time, value.c_str());
 }
 
 Value ValueHistory::value(int time) const
 {
-    const Entry* entry = _entry_at(time);
-    return entry != nullptr ? entry->value : Value(static_cast<int>(size()));
+    if (!_records.empty() && time >= _records.last_time())
+        return _value_from(_records.last_letters());
+    std::ptrdiff_t i = _index_at(time);
+    return i >= 0 ? _value_of(static_cast<std::size_t>(i)) : Value(static_cast<int>(size()));
 }
 
-const ValueHistory::Entry* ValueHistory::_entry_at(int time) const
+void ValueHistory::_set_size(unsigned size)
 {
-    if (_values.empty())
-        return nullptr;
-    if (time >= _values.back().time)
-        return &_values.back();
-    std::size_t i = _upper_bound(time);
-    return i == 0 ? nullptr : &_values[i - 1];
-}
-
-std::size_t ValueHistory::_lower_bound(int time) const
-{
-    auto it = std::lower_bound(_values.begin(), _values.end(), time,
-                               [](const Entry& entry, int t) { return entry.time < t; });
-    return static_cast<std::size_t>(it - _values.begin());
-}
-
-std::size_t ValueHistory::_upper_bound(int time) const
-{
-    auto it = std::upper_bound(_values.begin(), _values.end(), time,
-                               [](int t, const Entry& entry) { return t < entry.time; });
-    return static_cast<std::size_t>(it - _values.begin());
+    // Entries of width 0 read back as empty values; their letters become NUL markers.
+    if (!_records.empty() && size != _records.width()) {
+        _records.widen_blank(size);
+        _has_blank_entries = true;
+    }
+    _size = size;
 }
 
 void ValueHistory::add_change_subscriber(ValueChangeSubscriber* subscriber)
 {
-    auto it = std::lower_bound(_subscribers.begin(), _subscribers.end(), subscriber,
+    if (!_subscribers) {
+        if (_subscriber == nullptr || _subscriber == subscriber) {
+            _subscriber = subscriber;
+            return;
+        }
+        _subscribers = std::make_unique<std::vector<ValueChangeSubscriber*>>(1, _subscriber);
+        _subscriber = nullptr;
+    }
+    auto it = std::lower_bound(_subscribers->begin(), _subscribers->end(), subscriber,
                                std::less<ValueChangeSubscriber*>());
-    if (it == _subscribers.end() || *it != subscriber)
-        _subscribers.insert(it, subscriber);
+    if (it == _subscribers->end() || *it != subscriber)
+        _subscribers->insert(it, subscriber);
 }
 
 void ValueHistory::remove_change_subscriber(ValueChangeSubscriber* subscriber)
 {
-    std::erase(_subscribers, subscriber);
+    if (_subscribers)
+        std::erase(*_subscribers, subscriber);
+    else if (_subscriber == subscriber)
+        _subscriber = nullptr;
 }
 
 bool ValueHistory::has_change_subscriber(const ValueChangeSubscriber* subscriber) const
 {
-    return std::find(_subscribers.begin(), _subscribers.end(), subscriber) != _subscribers.end();
+    if (_subscribers)
+        return std::find(_subscribers->begin(), _subscribers->end(), subscriber) != _subscribers->end();
+    return subscriber != nullptr && _subscriber == subscriber;
 }
 
 void ValueHistory::_notify_subscribers(const Value& old_value, const Value& new_value, int time)
 {
     ValueChange change{old_value, new_value, time};
-    // By index: a subscriber may subscribe others while it is told.
-    for (std::size_t i = 0; i < _subscribers.size(); ++i)
-        _subscribers[i]->value_changed(this, change);
+    // By index: a subscriber may subscribe others while it is told. A single one that does so turns
+    // into a list whose first entry it is, and the walk goes on from the second.
+    std::size_t i = 0;
+    if (!_subscribers) {
+        if (_subscriber == nullptr)
+            return;
+        _subscriber->value_changed(this, change);
+        if (!_subscribers)
+            return;
+        i = 1;
+    }
+    for (; i < _subscribers->size(); ++i)
+        (*_subscribers)[i]->value_changed(this, change);
 }
 
 bool ValueHistory::positive_flank_at(int time) const
@@ -118,8 +132,8 @@ bool ValueHistory::constant_between(int a, int b) const
     int low = std::min(a, b);
     int high = std::max(a, b);
     Value reference = value(low);
-    for (std::size_t i = _lower_bound(low); i < _values.size() && _values[i].time <= high; ++i) {
-        if (_values[i].value != reference)
+    for (std::size_t i = _records.lower_bound(low); i < _records.size() && _records.time(i) <= high; ++i) {
+        if (_value_of(i) != reference)
             return false;
     }
     return true;
@@ -131,8 +145,8 @@ bool ValueHistory::constant_between(int a, int b, const Value& expected) const
     int high = std::max(a, b);
     if (value(low) != expected)
         return false;
-    for (std::size_t i = _lower_bound(low); i < _values.size() && _values[i].time <= high; ++i) {
-        if (_values[i].value != expected)
+    for (std::size_t i = _records.lower_bound(low); i < _records.size() && _records.time(i) <= high; ++i) {
+        if (_value_of(i) != expected)
             return false;
     }
     return true;
@@ -140,18 +154,18 @@ bool ValueHistory::constant_between(int a, int b, const Value& expected) const
 
 int ValueHistory::time_of_last_change(int time) const
 {
-    std::size_t end = _upper_bound(time);
+    std::size_t end = _records.upper_bound(time);
     if (end == 0)
         return INT_MIN;
-    const Value& in_force = _values[end - 1].value;
+    const Value in_force = _value_of(end - 1);
     for (std::size_t i = end - 1; i > 0; --i) {
-        if (_values[i - 1].value != in_force)
-            return _values[i].time;
+        if (_value_of(i - 1) != in_force)
+            return _records.time(i);
     }
     // Before the first entry the value was all u; a first entry of u changed nothing.
     if (Value(static_cast<int>(size())) == in_force)
         return INT_MIN;
-    return _values.front().time;
+    return _records.time(0);
 }
 
 std::uint64_t ValueHistory::max_unsigned_value() const
@@ -177,6 +191,6 @@ bool ValueHistory::can_accept_value(const std::string& text, Morvane::Dir dir) c
 void ValueHistory::print() const
 {
     TLog log;
-    for (const Entry& entry : _values)
-        log("%d: %s", entry.time, entry.value.c_str());
+    for (std::size_t i = 0; i < _records.size(); ++i)
+        log("%d: %s", _records.time(i), _value_of(i).c_str());
 }

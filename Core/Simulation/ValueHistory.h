@@ -3,9 +3,12 @@
 #define MORVANE_CORE_SIMULATION_VALUEHISTORY_H
 
 #include "Core/Simulation/Dir.h"
+#include "Core/Simulation/HistoryRecords.h"
 #include "Core/Simulation/Value.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -34,10 +37,49 @@ public:
 class ValueHistory
 {
 public:
+    /// One entry as the readers get it; the history itself keeps only the time and the letters.
     struct Entry
     {
         int time;     // ns
         Value value;  // set at that time; the last set of a time wins
+    };
+
+    /// The entries in ascending time, each made when it is read.
+    class Entries
+    {
+    public:
+        class iterator
+        {
+        public:
+            using value_type = Entry;
+            using difference_type = std::ptrdiff_t;
+
+            iterator(const ValueHistory* history, std::size_t i) : _history(history), _i(i) {}
+            Entry operator*() const { return _history->_entry(_i); }
+            iterator& operator++()
+            {
+                ++_i;
+                return *this;
+            }
+            bool operator==(const iterator& other) const { return _i == other._i; }
+            bool operator!=(const iterator& other) const { return _i != other._i; }
+
+        private:
+            const ValueHistory* _history;  // not owned
+            std::size_t _i;                // entry index
+        };
+
+        explicit Entries(const ValueHistory* history) : _history(history) {}
+        iterator begin() const { return iterator(_history, 0); }
+        iterator end() const { return iterator(_history, size()); }
+        std::size_t size() const { return _history->_records.size(); }
+        bool empty() const { return size() == 0; }
+        Entry operator[](std::size_t i) const { return _history->_entry(i); }
+        Entry front() const { return _history->_entry(0); }
+        Entry back() const { return _history->_entry(size() - 1); }
+
+    private:
+        const ValueHistory* _history;  // not owned
     };
 
     /// A size of 0 lets the first set decide the width.
@@ -54,16 +96,22 @@ public:
     virtual Value value(int time) const;
     virtual unsigned size() const { return _size; }
 
-    unsigned nof_values() const { return static_cast<unsigned>(_values.size()); }
+    unsigned nof_values() const { return static_cast<unsigned>(_records.size()); }
     /// In ascending time.
-    const std::vector<Entry>& entries() const { return _values; }
+    Entries entries() const { return Entries(this); }
     /// Drops all entries; width and subscribers stay.
-    void clear() { _values.clear(); }
+    void clear()
+    {
+        _records.clear();
+        _has_blank_entries = false;
+    }
 
     /// Twice is once.
     void add_change_subscriber(ValueChangeSubscriber* subscriber);
     void remove_change_subscriber(ValueChangeSubscriber* subscriber);
     bool has_change_subscriber(const ValueChangeSubscriber* subscriber) const;
+    /// Whether this history is the base of a Port, so that a subscriber can reach the port cheaply.
+    bool is_port() const { return _is_port; }
 
     /// One bit only: L at time - 1 and H at time.
     bool positive_flank_at(int time) const;
@@ -88,20 +136,43 @@ public:
 
 protected:
     void _notify_subscribers(const Value& old_value, const Value& new_value, int time);
-    /// Sizes an empty history; a net takes its width from the first port attached.
-    void _set_size(unsigned size) { _size = size; }
-    /// The entry in force at `time`: the last at or before it; null before the first entry.
-    const Entry* _entry_at(int time) const;
+    /// Sizes an unsized history; a net takes its width from the first port attached. Entries made
+    /// while the width was 0 stay empty values.
+    void _set_size(unsigned size);
+    void _mark_as_port() { _is_port = true; }
+    /// Index of the entry in force at `time`: the last at or before it; -1 before the first entry.
+    std::ptrdiff_t _index_at(int time) const
+    {
+        std::size_t n = _records.size();
+        if (n == 0)
+            return -1;
+        // Runs read mostly at or after the latest entry.
+        if (time >= _records.last_time())
+            return static_cast<std::ptrdiff_t>(n - 1);
+        return static_cast<std::ptrdiff_t>(_records.upper_bound(time)) - 1;
+    }
+    /// The value of entry i.
+    Value _value_of(std::size_t i) const { return _value_from(_records.letters(i)); }
+    /// The value of an entry's letters.
+    Value _value_from(const char* letters) const
+    {
+        if (_has_blank_entries && letters[0] == '\0')
+            return Value(0);
+        return Value::from_letters(letters, _records.width());
+    }
 
 private:
-    /// Index of the first entry at or after `time`.
-    std::size_t _lower_bound(int time) const;
-    /// Index of the first entry later than `time`.
-    std::size_t _upper_bound(int time) const;
+    Entry _entry(std::size_t i) const { return Entry{_records.time(i), _value_of(i)}; }
+    void _store(const Value& value, int time);
 
-    unsigned _size;                                    // bits; 0 until the first set sizes it
-    std::vector<Entry> _values;                        // ascending time, one entry per time
-    std::vector<ValueChangeSubscriber*> _subscribers;  // ascending address, no duplicates, not owned
+    HistoryRecords _records;          // ascending time, one record per time
+    unsigned _size;                   // bits; 0 until the first set sizes it
+    bool _is_port = false;            // this history is the base of a Port
+    bool _has_blank_entries = false;  // entries of width 0 from before _set_size
+    // Most histories have one subscriber or none: it is kept in place, and a list is made only
+    // for a second one. Ascending address, no duplicates, not owned.
+    ValueChangeSubscriber* _subscriber = nullptr;  // the only one, while the list is null
+    std::unique_ptr<std::vector<ValueChangeSubscriber*>> _subscribers;  // all of them, once there were two
 };
 
 #endif  // MORVANE_CORE_SIMULATION_VALUEHISTORY_H

@@ -1,0 +1,176 @@
+#include "Core/Simulation/ActionList.h"
+
+#include "Core/Simulation/Value.h"
+#include "Core/Support/HugePages.h"
+
+#include <cstring>
+#include <functional>
+
+namespace {
+
+constexpr std::uint32_t free_bucket = 0;
+
+// Equal requests share target and port; the value stays out, since its equality is one-sided.
+std::size_t hash_of(const void* target, const Port* port)
+{
+    std::size_t seed = std::hash<const void*>()(target);
+    seed ^= std::hash<const void*>()(port) + 0x9e3779b97f4a7c15ull + (seed << 6) + (seed >> 2);
+    // Spread the low bits, which pick the bucket.
+    seed ^= seed >> 29;
+    seed *= 0xbf58476d1ce4e5b9ull;
+    seed ^= seed >> 32;
+    return seed;
+}
+
+}  // namespace
+
+ActionStore::~ActionStore()
+{
+    for (ActionRecord* chunk : _chunks)
+        release_huge(chunk, chunk_bytes);
+    for (unsigned char* chunk : _letter_chunks)
+        release_huge(chunk, chunk_bytes);
+}
+
+std::uint32_t ActionStore::add(void* target, Port* port, const Value* value)
+{
+    if ((_count & chunk_mask) == 0 && (_count >> chunk_shift) == _chunks.size())
+        _chunks.push_back(static_cast<ActionRecord*>(allocate_huge(chunk_bytes)));
+    std::uint32_t where = 0;
+    if (value != nullptr) {
+        std::size_t need = 1 + value->size();
+        if (_letters_used + need > chunk_bytes) {
+            ++_letter_chunk;
+            _letters_used = 0;
+        }
+        if (_letter_chunk == _letter_chunks.size())
+            _letter_chunks.push_back(static_cast<unsigned char*>(allocate_huge(chunk_bytes)));
+        unsigned char* place = _letter_chunks[_letter_chunk] + _letters_used;
+        place[0] = static_cast<unsigned char>(value->size());
+        const char* letters = value->c_str();
+        for (unsigned i = 0; i < value->size(); ++i)
+            place[1 + i] = static_cast<unsigned char>(letters[i]);
+        where = static_cast<std::uint32_t>(_letter_chunk * chunk_bytes + _letters_used) + 1;
+        _letters_used += need;
+    }
+    std::uint32_t id = _count++;
+    (*this)[id] = ActionRecord{target, port, ActionRecord::none, where};
+    return id;
+}
+
+const unsigned char* ActionStore::_letters_at(std::uint32_t value) const
+{
+    std::size_t offset = value - 1;
+    return _letter_chunks[offset / chunk_bytes] + offset % chunk_bytes;
+}
+
+Value ActionStore::value(std::uint32_t id) const
+{
+    const ActionRecord& record = (*this)[id];
+    if (record.value == 0)
+        return Value("Q");
+    const unsigned char* letters = _letters_at(record.value);
+    return Value::from_letters(reinterpret_cast<const char*>(letters + 1), letters[0]);
+}
+
+bool ActionStore::equals(std::uint32_t id, void* target, Port* port, const Value* value) const
+{
+    const ActionRecord& record = (*this)[id];
+    if (record.target != target || record.port != port || (record.value != 0) != (value != nullptr))
+        return false;
+    if (value == nullptr)
+        return true;
+    // As Value compares: over the recorded width, ignoring case; a narrower request differs.
+    const unsigned char* letters = _letters_at(record.value);
+    unsigned width = letters[0];
+    if (value->size() < width)
+        return false;
+    const char* theirs = value->c_str();
+    for (unsigned i = 0; i < width; ++i) {
+        char mine = static_cast<char>(letters[1 + i]);
+        if (mine != theirs[i] && Morvane::lower_letter(mine) != Morvane::lower_letter(theirs[i]))
+            return false;
+    }
+    return true;
+}
+
+void ActionStore::clear()
+{
+    _count = 0;
+    _letter_chunk = 0;
+    _letters_used = 0;
+}
+
+bool ActionList::push(ActionStore& store, void* target, Port* port, const Value* value)
+{
+    if (_contains(store, target, port, value))
+        return false;
+    std::uint32_t id = store.add(target, port, value);
+    if (_last == ActionRecord::none)
+        _first = id;
+    else
+        store[_last].next = id;
+    _last = id;
+    ++_count;
+    if (_index) {
+        // Keep the table at most half full so probes stay short.
+        if (_count * 2 > _index->size())
+            _build_index(store, _index->size() * 2);
+        else
+            _index_record(id, hash_of(target, port));
+    }
+    return true;
+}
+
+void ActionList::clear()
+{
+    _first = ActionRecord::none;
+    _last = ActionRecord::none;
+    _count = 0;
+    _index.reset();
+}
+
+bool ActionList::_contains(const ActionStore& store, void* target, Port* port, const Value* value)
+{
+    if (!_index) {
+        if (_count <= scan_limit) {
+            for (std::uint32_t id = _first; id != ActionRecord::none; id = store[id].next) {
+                if (store.equals(id, target, port, value))
+                    return true;
+            }
+            return false;
+        }
+        std::size_t buckets = 64;
+        while (buckets < 2 * static_cast<std::size_t>(_count))
+            buckets *= 2;
+        _build_index(store, buckets);
+    }
+    const std::vector<std::uint32_t>& table = *_index;
+    std::size_t mask = table.size() - 1;
+    for (std::size_t b = hash_of(target, port) & mask;; b = (b + 1) & mask) {
+        std::uint32_t slot = table[b];
+        if (slot == free_bucket)
+            return false;
+        if (store.equals(slot - 1, target, port, value))
+            return true;
+    }
+}
+
+void ActionList::_build_index(const ActionStore& store, std::size_t buckets)
+{
+    if (!_index)
+        _index = std::make_unique<std::vector<std::uint32_t>>();
+    _index->assign(buckets, free_bucket);
+    for (std::uint32_t id = _first; id != ActionRecord::none; id = store[id].next)
+        _index_record(id, hash_of(store[id].target, store[id].port));
+}
+
+void ActionList::_index_record(std::uint32_t id, std::size_t hash)
+{
+    std::vector<std::uint32_t>& table = *_index;
+    std::size_t mask = table.size() - 1;
+    std::size_t b = hash & mask;
+    while (table[b] != free_bucket)
+        b = (b + 1) & mask;
+    table[b] = id + 1;
+}

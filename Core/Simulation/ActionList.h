@@ -1,0 +1,103 @@
+// The event engine's actions in compact form: a store of records, and ordered lists over it.
+#ifndef MORVANE_CORE_SIMULATION_ACTIONLIST_H
+#define MORVANE_CORE_SIMULATION_ACTIONLIST_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class Port;
+class Value;
+
+/// One action as the engine keeps it: 24 bytes, where an action with its own `Value` took 64 and
+/// more. A component action needs no value (its value is always the marker Q); a net action's value
+/// lies in the store's letters.
+struct ActionRecord
+{
+    static constexpr std::uint32_t none = 0xffffffffu;  // no next record
+
+    void* target;         // the Component to evaluate or the Net to update
+    Port* port;           // the port that caused the action, or null
+    std::uint32_t next;   // the next record of the same list, or none
+    std::uint32_t value;  // 0 for a component action; for a net action 1 + where its value lies
+};
+
+/// Records and the letters of their values, in chunks that never move, so that a record stays
+/// where it is while the actions it runs add others. Only emptied as a whole; the chunks are kept
+/// for the next use until the store dies.
+class ActionStore
+{
+public:
+    ActionStore() = default;
+    ~ActionStore();
+    ActionStore(const ActionStore&) = delete;
+    ActionStore& operator=(const ActionStore&) = delete;
+
+    /// A component action (value null) or a net action, linked to nothing yet.
+    std::uint32_t add(void* target, Port* port, const Value* value);
+    ActionRecord& operator[](std::uint32_t id) { return _chunks[id >> chunk_shift][id & chunk_mask]; }
+    const ActionRecord& operator[](std::uint32_t id) const
+    {
+        return _chunks[id >> chunk_shift][id & chunk_mask];
+    }
+    bool is_net_action(std::uint32_t id) const { return (*this)[id].value != 0; }
+    /// The value the action was requested with: the marker Q for a component action.
+    Value value(std::uint32_t id) const;
+    /// Whether two requests are equal: same kind, target and port, and the recorded value equals
+    /// `value` the way Value compares (over the recorded value's width).
+    bool equals(std::uint32_t id, void* target, Port* port, const Value* value) const;
+    /// Forgets every record; the memory stays for reuse.
+    void clear();
+    /// Records in use.
+    std::size_t size() const { return _count; }
+    /// Bytes taken from the system.
+    std::size_t bytes() const { return (_chunks.size() + _letter_chunks.size()) * chunk_bytes; }
+
+private:
+    static constexpr unsigned chunk_shift = 17;  // records per chunk, as a power of 2
+    static constexpr std::uint32_t chunk_mask = (1u << chunk_shift) - 1;
+    static constexpr std::size_t chunk_bytes = sizeof(ActionRecord) << chunk_shift;  // also a letter chunk
+
+    const unsigned char* _letters_at(std::uint32_t value) const;
+
+    std::vector<ActionRecord*> _chunks;          // records, chunk_mask + 1 per chunk, in huge pages
+    std::vector<unsigned char*> _letter_chunks;  // width byte then letters, per net action value
+    std::uint32_t _count = 0;                    // records in use
+    std::size_t _letter_chunk = 0;               // the letter chunk being filled
+    std::size_t _letters_used = 0;               // bytes of that chunk in use
+};
+
+/// An insertion-ordered list of actions of one store in which an equal request is dropped. Short
+/// lists are scanned; a long one gets a hash index over its targets and ports while it is in use.
+class ActionList
+{
+public:
+    ActionList() = default;
+    ActionList(ActionList&&) = default;
+    ActionList& operator=(ActionList&&) = default;
+
+    /// Appends the action unless an equal one is in the list; true if appended.
+    bool push(ActionStore& store, void* target, Port* port, const Value* value);
+    std::uint32_t first() const { return _first; }
+    std::size_t size() const { return _count; }
+    bool empty() const { return _count == 0; }
+    /// Forgets the actions (the store keeps them).
+    void clear();
+    /// Frees the index; a later request builds it again if it needs one.
+    void drop_index() { _index.reset(); }
+
+private:
+    static constexpr std::uint32_t scan_limit = 8;  // actions looked through before indexing
+
+    bool _contains(const ActionStore& store, void* target, Port* port, const Value* value);
+    void _build_index(const ActionStore& store, std::size_t buckets);
+    void _index_record(std::uint32_t id, std::size_t hash);
+
+    std::uint32_t _first = ActionRecord::none;           // first record in the store
+    std::uint32_t _last = ActionRecord::none;            // last record, where the next one is linked
+    std::uint32_t _count = 0;                            // records in the list
+    std::unique_ptr<std::vector<std::uint32_t>> _index;  // id + 1 per bucket, 0 when free; null while short
+};
+
+#endif  // MORVANE_CORE_SIMULATION_ACTIONLIST_H

@@ -1,0 +1,125 @@
+#!/bin/bash
+# The benchmark run of `make bench`: the micro-benchmarks, then the generated circuits at several
+# sizes through morvane_stats, one table row per case.
+#
+#   bench/run_bench.sh [--quick] [--no-micro] [--sizes "1000 10000"] [--kinds "chain mesh"] [--peer]
+#
+# --kinds "" skips the generated circuits.
+#
+# --peer also runs the yardstick circuits of ../shared/bench/gen.py (chain and mesh, N = 1000 and
+# 10000) through morvane beside the peer's script run_peer.sh, and prints the ratio of events/s.
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(dirname "$here")
+build=${BUILD_DIR:-$root/build/bench}
+work=${WORK_DIR:-/tmp/morvane-gen}
+sizes="1000 10000 100000"
+kinds="chain mesh fanout bus"
+quick=0
+micro=1
+peer=0
+while [ $# -gt 0 ]; do
+    case $1 in
+    --quick) quick=1; sizes="1000 10000" ;;
+    --no-micro) micro=0 ;;
+    --sizes) sizes=$2; shift ;;
+    --kinds) kinds=$2; shift ;;
+    --peer) peer=1 ;;
+    *) echo "unknown option $1" >&2; exit 2 ;;
+    esac
+    shift
+done
+
+cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DMORVANE_TESTS=OFF -DMORVANE_BENCH=ON >/dev/null
+cmake --build "$build" -j "$(nproc)" >/dev/null
+
+if [ $micro = 1 ]; then
+    echo "## Micro-benchmarks (Release)"
+    echo
+    if [ $quick = 1 ]; then
+        "$build/bench/hotpath_bench" --benchmark_min_time=0.05
+    else
+        "$build/bench/hotpath_bench"
+    fi
+fi
+
+stats="$build/bench/morvane_stats"
+if [ ! -x "$stats" ]; then
+    echo
+    echo "morvane_stats is not built: it needs the command-line verifier library (morvane_cli)."
+    exit 0
+fi
+
+# Simulated time per case: long enough to take a second or so at N = 1000, shorter as N grows.
+sim_time() {
+    local kind=$1 n=$2
+    case $kind in
+    chain) echo $((500000000 / n)) ;;
+    mesh) echo $((100000000 / n + 20000)) ;;
+    fanout) echo $((400000000 / n + 20000)) ;;
+    bus) echo $((200000000 / n + 20000)) ;;
+    esac
+}
+
+# One case: its STATS line plus the wall time and peak memory of the whole process.
+run_case() {
+    local dir=$1
+    local out
+    out=$(/usr/bin/time -f "TIME wall_s=%e time_maxrss_kb=%M" "$stats" "$dir/circuit.ctc" "$dir/test.tv" 2>&1) || true
+    echo "$out" | tr '\n' ' '
+}
+
+field() { echo "$1" | tr ' ' '\n' | sed -n "s/^$2=//p" | head -1; }
+
+echo
+echo "## Generated circuits"
+echo
+echo "| kind | N | T ns | load s | sim s | wall s | events | evaluations | events/s (sim) | events/s (wall) | peak RSS MB | history B/entry | RSS growth B/entry |"
+echo "|---|---|---|---|---|---|---|---|---|---|---|---|---|"
+mkdir -p "$work"
+for kind in $kinds; do
+    for n in $sizes; do
+        t=$(sim_time "$kind" "$n")
+        dir="$work/${kind}_N${n}_T${t}"
+        [ -f "$dir/circuit.ctc" ] || python3 "$here/gen_bench.py" "$kind" "$n" "$t" --out "$dir" >/dev/null
+        line=$(run_case "$dir")
+        if ! echo "$line" | grep -q STATS; then
+            echo "| $kind | $n | $t | failed: $(echo "$line" | cut -c1-120) |"
+            continue
+        fi
+        load=$(field "$line" load_s); sim=$(field "$line" sim_s); wall=$(field "$line" wall_s)
+        events=$(field "$line" events); evals=$(field "$line" evaluations)
+        rss=$(field "$line" time_maxrss_kb); hb=$(field "$line" history_bytes_per_entry)
+        rb=$(field "$line" rss_bytes_per_entry)
+        awk -v k="$kind" -v n="$n" -v t="$t" -v l="$load" -v s="$sim" -v w="$wall" -v e="$events" \
+            -v v="$evals" -v r="$rss" -v hb="$hb" -v rb="$rb" 'BEGIN {
+            printf "| %s | %d | %d | %.2f | %.2f | %.2f | %d | %d | %.2f M | %.2f M | %.0f | %s | %s |\n",
+                k, n, t, l, s, w, e, v, (s > 0 ? e / s / 1e6 : 0), (w > 0 ? e / w / 1e6 : 0), r / 1024, hb, rb }'
+    done
+done
+
+[ $peer = 1 ] || exit 0
+
+# The yardstick: the same circuits as the peer's, timed in round-robin on one machine.
+shared=${SHARED_BENCH:-$root/../shared/bench}
+[ -d "$shared" ] || shared=$root/../../shared/bench
+peer_work=${PEER_WORK:-/tmp/morvane-bench}
+echo
+echo "## Beside the peer (its events; interleaved wall time, minimum of 3)"
+echo
+echo "| kind | N | T ns | events | morvane wall s | peer wall s | morvane events/s | peer events/s | ratio |"
+echo "|---|---|---|---|---|---|---|---|---|"
+for spec in "chain 1000 500000" "chain 10000 50000" "mesh 1000 500000" "mesh 10000 100000"; do
+    set -- $spec
+    kind=$1 n=$2 t=$3
+    result=$("$shared/run_peer.sh" --work "$peer_work" --no-evals --repeat 1 "$kind" "$n" "$t" | grep '^RESULT')
+    dir=$(field "$result" dir)
+    events=$(field "$result" events)
+    times=$("$shared/interleave.sh" -r 3 -C "$dir" -- 'vvp -n sim_nodump' "$build/Cli/morvane -v $kind.ctc $kind.tv")
+    peer_s=$(echo "$times" | grep 'vvp' | sed 's/.*min=\([0-9.]*\).*/\1/')
+    ours_s=$(echo "$times" | grep 'Cli/morvane' | sed 's/.*min=\([0-9.]*\).*/\1/')
+    awk -v k="$kind" -v n="$n" -v t="$t" -v e="$events" -v o="$ours_s" -v p="$peer_s" 'BEGIN {
+        printf "| %s | %d | %d | %d | %.2f | %.2f | %.2f M | %.2f M | %.2f |\n",
+            k, n, t, e, o, p, e / o / 1e6, e / p / 1e6, p / o }'
+done
