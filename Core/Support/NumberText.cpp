@@ -101,7 +101,7 @@ bool is_time_str(const std::string& s)
 {
     // Digits, dots, commas and blanks, then at most a unit prefix and at most an s.
     size_t digits_end = s.find_first_not_of("0123456789., ");
-    if (digits_end == 0)
+    if (s.empty() || digits_end == 0)
         return false;
     if (digits_end == std::string::npos)
         return true;

@@ -396,7 +396,7 @@ TEST(CircuitSpecTest, SurvivesHostileInput)
 
     // A failure part-way frees every scope read so far (the leak checker watches this).
     EXPECT_EQ(read_error(dir, {{"main.ctc", nested + "bad\n"}}),
-              "Error in main.ctc:101: Illegal keyword: 'bad'.");
+              "Error in main.ctc:1: Illegal keyword: 'bad'.");
 }
 
 // The check must name the same pair as comparing every earlier net with every later one.
