@@ -34,6 +34,10 @@ void Circuit::add(Component* component, const UnitLine* line)
     add(component, true);
 }
 
+// Parts cost a few kB each with their ports, nets and histories: this keeps a load within a
+// gigabyte or so.
+int Circuit::max_nof_parts = 200000;
+
 void Circuit::build_from_spec(const CircuitSpec* spec)
 {
     _circuit_spec = spec;
