@@ -309,7 +309,7 @@ private:
     std::set<std::string> _import_paths;                         // directories to search
     std::vector<Circuit*> _circuit_declarations;                 // one per sub-circuit type; parent is this
     SimLog* _sim_log = nullptr;                                  // report sink; not owned
-    int _nof_parts_within = 0;  // parts made from files here and in every instance below, recursively
+    int _nof_parts_within = 0;  // parts and declarations made from files here and below, recursively
 };
 
 #endif  // MORVANE_CORE_CIRCUIT_CIRCUIT_H

@@ -100,6 +100,9 @@ void Circuit::_add_circuit_declaration(const CircuitSpec* spec)
                         instance_name().c_str());
     }
     std::unique_ptr<Circuit> declaration(spec_allocator(spec, this));
+    // Every copy of this circuit copies its declarations too, so they count as parts; the next Unit
+    // line checks the sum.
+    _nof_parts_within += 1 + declaration->_nof_parts_within;
     add_circuit_declaration(declaration.get());
     _allocated.push_back(std::move(declaration));
 }
