@@ -62,8 +62,8 @@ public:
     /// For classes that derive from Circuit: the type name follows from the class name.
     Circuit(const std::string& class_name, const std::string& instance_name, Circuit* parent);
     /// Nested sub-circuit instances multiply; a file that builds more parts than this is refused. Not
-    /// const only so that a test can reach the limit without building a million parts.
-    static inline int max_nof_parts = 1000000;
+    /// const only so that a test can reach the limit without building that many parts.
+    static int max_nof_parts;
 
     /// A plain circuit, of type "Circuit".
     Circuit(const std::string& instance_name, Circuit* parent);
@@ -309,7 +309,7 @@ private:
     std::set<std::string> _import_paths;                         // directories to search
     std::vector<Circuit*> _circuit_declarations;                 // one per sub-circuit type; parent is this
     SimLog* _sim_log = nullptr;                                  // report sink; not owned
-    int _nof_parts_within = 0;  // parts made from files here and in every instance below, recursively
+    int _nof_parts_within = 0;  // parts and declarations made from files here and below, recursively
 };
 
 #endif  // MORVANE_CORE_CIRCUIT_CIRCUIT_H

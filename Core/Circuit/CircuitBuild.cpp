@@ -34,6 +34,10 @@ void Circuit::add(Component* component, const UnitLine* line)
     add(component, true);
 }
 
+// Parts cost a few kB each with their ports, nets and histories: this keeps a load within a
+// gigabyte or so.
+int Circuit::max_nof_parts = 200000;
+
 void Circuit::build_from_spec(const CircuitSpec* spec)
 {
     _circuit_spec = spec;
@@ -96,6 +100,9 @@ void Circuit::_add_circuit_declaration(const CircuitSpec* spec)
                         instance_name().c_str());
     }
     std::unique_ptr<Circuit> declaration(spec_allocator(spec, this));
+    // Every copy of this circuit copies its declarations too, so they count as parts; the next Unit
+    // line checks the sum.
+    _nof_parts_within += 1 + declaration->_nof_parts_within;
     add_circuit_declaration(declaration.get());
     _allocated.push_back(std::move(declaration));
 }

@@ -63,9 +63,10 @@ for target in $targets; do
     make_seeds "$target" "$seeds"
     mkdir -p "$corpus" "$artifacts"
     log=$work_dir/$target.log
-    # A single allocation beyond 512 MB or a run beyond 10 s is a finding in its own right.
+    # A single allocation beyond 512 MB or a run beyond 30 s is a finding in its own right; a circuit
+    # at the limit of parts takes about 15 s under the sanitizers.
     (cd "$work_dir" && "$binary" "$corpus" "$seeds" -dict="$dict" -max_total_time="$seconds" \
-        -timeout=10 -rss_limit_mb=2048 -malloc_limit_mb=512 -max_len=4096 -print_final_stats=1 \
+        -timeout=30 -rss_limit_mb=2048 -malloc_limit_mb=512 -max_len=4096 -print_final_stats=1 \
         -artifact_prefix="$artifacts") > "$log" 2>&1
     status=$?
     execs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)

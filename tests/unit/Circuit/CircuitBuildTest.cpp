@@ -211,11 +211,12 @@ TEST(CircuitBuildTest, InstancesThatMultiplyBeyondTheLimitAreRefused)
     const int saved_limit = Circuit::max_nof_parts;
     Circuit::max_nof_parts = 1000;
     TempDir dir;
-    // T8 holds 766 parts, counting the circuits between; T9 takes two of it and one more each. The
-    // line is counted within T9's block, as block lines do not advance the count around them.
+    // Each copy carries the declarations inside, so T5 weighs 768; T6 holds its declaration and
+    // cannot take a copy beside it. The line is counted within T6's block, as block lines do not
+    // advance the count around them.
     std::string error = build_error(dir, {{"main.ctc", text}});
     Circuit::max_nof_parts = saved_limit;
-    EXPECT_EQ(error, "Error at main.ctc:24: Circuit 'T9' would hold more than 1000 parts.");
+    EXPECT_EQ(error, "Error at main.ctc:27: Circuit 'T6' would hold more than 1000 parts.");
 
     TempDir flat_dir;
     Circuit::max_nof_parts = 3;
