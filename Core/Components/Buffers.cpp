@@ -8,16 +8,6 @@ using Morvane::BitState;
 using Morvane::Input;
 using Morvane::Output;
 
-namespace {
-
-/// The one bit of a pin's value as its lower-case letter; anything but one bit throws bad_cast.
-char state_letter(const Value& value)
-{
-    return Morvane::lower_letter(Morvane::letter(static_cast<BitState>(value)));
-}
-
-}  // namespace
-
 // Delay
 
 ParaMap Delay::default_parameters()

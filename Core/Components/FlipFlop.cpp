@@ -6,16 +6,6 @@ using Morvane::BitState;
 using Morvane::Input;
 using Morvane::Output;
 
-namespace {
-
-/// The one bit of a pin's value as its lower-case letter; anything but one bit throws bad_cast.
-char state_letter(const Value& value)
-{
-    return Morvane::lower_letter(Morvane::letter(static_cast<BitState>(value)));
-}
-
-}  // namespace
-
 ParaMap D_flip_flop::default_parameters()
 {
     static const std::map<std::string, std::string> D_flip_flop_default_params = {{"delay", "10"}};

@@ -187,6 +187,12 @@ inline bool operator==(const char* text, const Value& v)
     return v == text;
 }
 
+/// The one bit of a one-bit value as its lower-case letter; any other width throws bad_cast.
+inline char state_letter(const Value& value)
+{
+    return Morvane::lower_letter(Morvane::letter(static_cast<Morvane::BitState>(value)));
+}
+
 /// Lets test frameworks print a value as its letters.
 inline void PrintTo(const Value& v, std::ostream* os)
 {
