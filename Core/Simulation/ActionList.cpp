@@ -85,13 +85,7 @@ bool ActionStore::equals(std::uint32_t id, void* target, Port* port, const Value
     unsigned width = letters[0];
     if (value->size() < width)
         return false;
-    const char* theirs = value->c_str();
-    for (unsigned i = 0; i < width; ++i) {
-        char mine = static_cast<char>(letters[1 + i]);
-        if (mine != theirs[i] && Morvane::lower_letter(mine) != Morvane::lower_letter(theirs[i]))
-            return false;
-    }
-    return true;
+    return Morvane::same_letters(reinterpret_cast<const char*>(letters + 1), value->c_str(), width);
 }
 
 void ActionStore::clear()
@@ -103,8 +97,13 @@ void ActionStore::clear()
 
 bool ActionList::push(ActionStore& store, void* target, Port* port, const Value* value)
 {
-    if (_contains(store, target, port, value))
+    std::size_t hash = hash_of(target, port);
+    std::uint64_t& filter_word = _filter[(hash >> 62) & 3];
+    std::uint64_t filter_bit = std::uint64_t{1} << ((hash >> 56) & 63);
+    // Most requests are new: a clear filter bit proves it without looking at the list.
+    if ((filter_word & filter_bit) != 0 && _contains(store, target, port, value, hash))
         return false;
+    filter_word |= filter_bit;
     std::uint32_t id = store.add(target, port, value);
     if (_last == ActionRecord::none)
         _first = id;
@@ -112,12 +111,12 @@ bool ActionList::push(ActionStore& store, void* target, Port* port, const Value*
         store[_last].next = id;
     _last = id;
     ++_count;
-    if (_index) {
+    if (_indexed) {
         // Keep the table at most half full so probes stay short.
         if (_count * 2 > _index->size())
             _build_index(store, _index->size() * 2);
         else
-            _index_record(id, hash_of(target, port));
+            _index_record(id, hash);
     }
     return true;
 }
@@ -127,12 +126,16 @@ void ActionList::clear()
     _first = ActionRecord::none;
     _last = ActionRecord::none;
     _count = 0;
-    _index.reset();
+    for (std::uint64_t& word : _filter)
+        word = 0;
+    // The same-time list is emptied every nanosecond; its table is kept for the next one.
+    _indexed = false;
 }
 
-bool ActionList::_contains(const ActionStore& store, void* target, Port* port, const Value* value)
+bool ActionList::_contains(const ActionStore& store, void* target, Port* port, const Value* value,
+                           std::size_t hash)
 {
-    if (!_index) {
+    if (!_indexed) {
         if (_count <= scan_limit) {
             for (std::uint32_t id = _first; id != ActionRecord::none; id = store[id].next) {
                 if (store.equals(id, target, port, value))
@@ -140,14 +143,14 @@ bool ActionList::_contains(const ActionStore& store, void* target, Port* port, c
             }
             return false;
         }
-        std::size_t buckets = 64;
+        std::size_t buckets = 128;
         while (buckets < 2 * static_cast<std::size_t>(_count))
             buckets *= 2;
         _build_index(store, buckets);
     }
     const std::vector<std::uint32_t>& table = *_index;
     std::size_t mask = table.size() - 1;
-    for (std::size_t b = hash_of(target, port) & mask;; b = (b + 1) & mask) {
+    for (std::size_t b = hash & mask;; b = (b + 1) & mask) {
         std::uint32_t slot = table[b];
         if (slot == free_bucket)
             return false;
@@ -161,6 +164,7 @@ void ActionList::_build_index(const ActionStore& store, std::size_t buckets)
     if (!_index)
         _index = std::make_unique<std::vector<std::uint32_t>>();
     _index->assign(buckets, free_bucket);
+    _indexed = true;
     for (std::uint32_t id = _first; id != ActionRecord::none; id = store[id].next)
         _index_record(id, hash_of(store[id].target, store[id].port));
 }

@@ -55,7 +55,7 @@ public:
     std::size_t bytes() const { return (_chunks.size() + _letter_chunks.size()) * chunk_bytes; }
 
 private:
-    static constexpr unsigned chunk_shift = 17;  // records per chunk, as a power of 2
+    static constexpr unsigned chunk_shift = 18;  // records per chunk, as a power of 2: 3 huge pages
     static constexpr std::uint32_t chunk_mask = (1u << chunk_shift) - 1;
     static constexpr std::size_t chunk_bytes = sizeof(ActionRecord) << chunk_shift;  // also a letter chunk
 
@@ -68,8 +68,9 @@ private:
     std::size_t _letters_used = 0;               // bytes of that chunk in use
 };
 
-/// An insertion-ordered list of actions of one store in which an equal request is dropped. Short
-/// lists are scanned; a long one gets a hash index over its targets and ports while it is in use.
+/// An insertion-ordered list of actions of one store in which an equal request is dropped. A small
+/// filter over targets and ports answers most requests; past it, short lists are scanned and a long
+/// one gets a hash index while it is in use.
 class ActionList
 {
 public:
@@ -85,18 +86,24 @@ public:
     /// Forgets the actions (the store keeps them).
     void clear();
     /// Frees the index; a later request builds it again if it needs one.
-    void drop_index() { _index.reset(); }
+    void drop_index()
+    {
+        _index.reset();
+        _indexed = false;
+    }
 
 private:
     static constexpr std::uint32_t scan_limit = 8;  // actions looked through before indexing
 
-    bool _contains(const ActionStore& store, void* target, Port* port, const Value* value);
+    bool _contains(const ActionStore& store, void* target, Port* port, const Value* value, std::size_t hash);
     void _build_index(const ActionStore& store, std::size_t buckets);
     void _index_record(std::uint32_t id, std::size_t hash);
 
     std::uint32_t _first = ActionRecord::none;           // first record in the store
     std::uint32_t _last = ActionRecord::none;            // last record, where the next one is linked
     std::uint32_t _count = 0;                            // records in the list
+    std::uint64_t _filter[4] = {};                       // a bit per hash of each target and port in it
+    bool _indexed = false;                               // _index holds every record of the list
     std::unique_ptr<std::vector<std::uint32_t>> _index;  // id + 1 per bucket, 0 when free; null while short
 };
 

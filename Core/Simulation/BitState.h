@@ -28,6 +28,16 @@ constexpr char letter(BitState s)
     return static_cast<char>(s);
 }
 
+/// Whether n letters agree, ignoring case.
+inline bool same_letters(const char* a, const char* b, unsigned n)
+{
+    for (unsigned i = 0; i < n; ++i) {
+        if (a[i] != b[i] && lower_letter(a[i]) != lower_letter(b[i]))
+            return false;
+    }
+    return true;
+}
+
 /// True for L and H in either case.
 constexpr bool is_binary(char c)
 {

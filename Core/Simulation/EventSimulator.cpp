@@ -160,8 +160,18 @@ void EventSimulator::_run_same_time_actions()
 {
     // The list grows while it runs; a zero-delay loop would never end, so the step is bounded.
     int countdown = 1002;
+    // Prefetching as for a slot; records that join behind the fetched ones run without it.
+    std::uint32_t ahead = _same_time_actions.first();
+    for (int k = 0; k < prefetch_distance && ahead != ActionRecord::none; ++k) {
+        prefetch_action(_same_time_store[ahead]);
+        ahead = _same_time_store[ahead].next;
+    }
     for (std::uint32_t id = _same_time_actions.first(); id != ActionRecord::none;
          id = _same_time_store[id].next) {
+        if (ahead != ActionRecord::none) {
+            prefetch_action(_same_time_store[ahead]);
+            ahead = _same_time_store[ahead].next;
+        }
         _run(_same_time_store, id);
         if (--countdown == 0)
             throw Error(
@@ -194,8 +204,27 @@ ActionList& EventSimulator::_slot(int time)
 {
     CachedSlot& cached = _slot_cache[static_cast<unsigned>(time) & (slot_cache_size - 1)];
     if (cached.slot == nullptr || cached.time != time)
-        cached = CachedSlot{time, &_actions[time]};
+        cached = CachedSlot{time, &_find_slot(time)};
     return *cached.slot;
+}
+
+ActionList& EventSimulator::_find_slot(int time)
+{
+    // Most new slots lie a few steps after the running one or after the last: walking there from
+    // a known place spares a descent through a tree of millions of slots, each step a cache miss.
+    if (_actions.empty() || time > _actions.rbegin()->first)
+        return _actions.emplace_hint(_actions.end(), time, ActionList())->second;
+    if (_current != _actions.end() && time > _current->first) {
+        auto it = std::next(_current);
+        for (int step = 0; step < 8 && it != _actions.end() && it->first < time; ++step)
+            ++it;
+        if (it == _actions.end() || it->first >= time) {
+            if (it != _actions.end() && it->first == time)
+                return it->second;
+            return _actions.emplace_hint(it, time, ActionList())->second;
+        }
+    }
+    return _actions[time];
 }
 
 void EventSimulator::_print_components_to_evaluate() const

@@ -74,6 +74,7 @@ private:
     /// A net action (value given) or a component action (value null), as the engine keeps them.
     void _request(int time, void* target, Port* port, const Value* value);
     ActionList& _slot(int time);
+    ActionList& _find_slot(int time);
     void _run(const ActionStore& store, std::uint32_t id);
     void _run_actions(ActionList& slot);
     void _run_same_time_actions();

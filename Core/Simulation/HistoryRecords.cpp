@@ -141,6 +141,13 @@ std::size_t HistoryRecords::upper_bound(int t) const
 {
     if (_count == 0)
         return 0;
+    // A part reading its inputs one delay back mostly lands among the last few records.
+    std::size_t stride = _stride();
+    const char* record = _tail + (_tail_count - 1) * stride;
+    for (std::size_t back = 0; back < 4 && back < _tail_count; ++back, record -= stride) {
+        if (_time_of(record) <= t)
+            return _count - back;
+    }
     // Most lookups fall in the last page; the page list is read only for older times.
     std::size_t page_index = _nof_pages - 1;
     if (t < _time_of(_tail)) {
@@ -152,7 +159,6 @@ std::size_t HistoryRecords::upper_bound(int t) const
     }
     const Page& page = _pages[page_index];
     std::size_t count = page_index + 1 < _nof_pages ? _pages[page_index + 1].first - page.first : _tail_count;
-    std::size_t stride = _stride();
     std::size_t low = 0;
     std::size_t high = count;
     while (low < high) {

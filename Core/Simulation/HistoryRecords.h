@@ -34,10 +34,22 @@ public:
     void widen_blank(unsigned width);
 
     int time(std::size_t i) const { return _time_of(_record(i)); }
-    int last_time() const { return _time_of(_tail + (_tail_count - 1) * _stride()); }
+    /// Only while not empty.
+    int last_time() const { return _last_time; }
     const char* letters(std::size_t i) const { return _record(i) + sizeof(int); }
-    char* letters(std::size_t i) { return const_cast<char*>(_record(i)) + sizeof(int); }
-    const char* last_letters() const { return _tail + (_tail_count - 1) * _stride() + sizeof(int); }
+    const char* last_letters() const
+    {
+        return _width <= copied_letters ? _last_letters : _tail + (_tail_count - 1) * _stride() + sizeof(int);
+    }
+    /// Replaces the letters of record i.
+    void overwrite(std::size_t i, const char* letters)
+    {
+        char* record = const_cast<char*>(_record(i)) + sizeof(int);
+        for (unsigned k = 0; k < _width; ++k)
+            record[k] = letters[k];
+        if (i + 1 == _count)
+            _copy_last(letters);
+    }
 
     void append(int time, const char* letters)
     {
@@ -50,6 +62,8 @@ public:
             record[sizeof time + i] = letters[i];
         ++_tail_count;
         ++_count;
+        _last_time = time;
+        _copy_last(letters);
     }
     /// Puts a record before record i; rare, so it rebuilds the pages.
     void insert(std::size_t i, int time, const char* letters);
@@ -63,6 +77,10 @@ public:
     static std::size_t bytes_in_use();
 
 private:
+    // The last record of a narrow signal is also kept in the object: nearly every read is of the
+    // latest value, and the tail page of a history that a run visits now and then is cold in cache.
+    static constexpr unsigned copied_letters = 8;
+
     struct Page
     {
         char* data;               // pool block of the page's size class
@@ -72,6 +90,11 @@ private:
     };
 
     std::size_t _stride() const { return sizeof(int) + _width; }
+    void _copy_last(const char* letters)
+    {
+        for (unsigned i = 0; i < _width && i < copied_letters; ++i)
+            _last_letters[i] = letters[i];
+    }
     static int _time_of(const char* record)
     {
         int t;
@@ -90,6 +113,8 @@ private:
     std::uint16_t _tail_count = 0;     // records in the last page
     std::uint16_t _tail_capacity = 0;  // records that fit in the last page
     std::uint8_t _width = 0;           // letters per record
+    int _last_time = 0;                // ns, of the last record
+    char _last_letters[copied_letters] = {};  // of the last record, if that many or fewer
 };
 
 #endif  // MORVANE_CORE_SIMULATION_HISTORYRECORDS_H

@@ -106,11 +106,6 @@ Value Port::local_net_value(int time, IntExtQual q, bool follow)
     return side->local_value(time, follow);
 }
 
-Net* Port::net(IntExtQual q) const
-{
-    return q == Inside ? _inside_net : _outside_net;
-}
-
 void Port::set_net(Net* net, IntExtQual q)
 {
     if (q == Inside)

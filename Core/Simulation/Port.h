@@ -34,15 +34,15 @@ public:
     ~Port() override;
 
     /// Records the value; an output then asks its outside net to recompute at `time`.
-    void set(const Value& value, int time) override;
+    void set(const Value& value, int time) final;
     /// The value as the owner sees it, see the class comment. The const form is the recorded value.
-    virtual Value value(int time);
+    virtual Value value(int time) final;
     using ValueHistory::value;
     /// The resolved value of this port's own drivers on the net of side q; all u without a net.
     virtual Value local_net_value(int time, Morvane::IntExtQual q, bool follow);
-    virtual Morvane::Dir dir() const { return _dir; }
+    virtual Morvane::Dir dir() const final { return _dir; }
     virtual void set_dir(Morvane::Dir dir) { _dir = dir; }
-    virtual Net* net(Morvane::IntExtQual q) const;
+    virtual Net* net(Morvane::IntExtQual q) const final { return q == Morvane::Inside ? _inside_net : _outside_net; }
     /// Changes only this side: the net's port list stays as it is.
     virtual void set_net(Net* net, Morvane::IntExtQual q);
     virtual void disable_z_translation() { _z_translation = false; }

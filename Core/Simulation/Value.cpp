@@ -360,30 +360,6 @@ void Value::confine_to(unsigned n)
         pad_up_to(n, 'L');
 }
 
-char& Value::operator[](unsigned i)
-{
-    return const_cast<char&>(std::as_const(*this)[i]);
-}
-
-const char& Value::operator[](unsigned i) const
-{
-    if (i >= _size)
-        _throw_index_error(i);
-    return _store()[_size - 1 - i];
-}
-
-char& Value::left_indexed_bit(unsigned i)
-{
-    return const_cast<char&>(std::as_const(*this).left_indexed_bit(i));
-}
-
-const char& Value::left_indexed_bit(unsigned i) const
-{
-    if (i >= _size)
-        _throw_index_error(i);
-    return _store()[i];
-}
-
 void Value::_throw_index_error(unsigned i) const
 {
     throw std::out_of_range(format_text("Value: Index %d larger than size %d", static_cast<int>(i), _size));

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <iosfwd>
 #include <string>
+#include <utility>
 
 /// The one signal type: width bits, each a letter of Morvane::BitState, kept as a C string so that a
 /// value prints as itself. Letters compare ignoring case; storage keeps them as they came.
@@ -91,13 +92,7 @@ public:
         // The other's width is not looked at: a narrower other differs at its closing NUL.
         if (other._size < _size)
             return false;
-        const char* mine = _store();
-        const char* theirs = other._store();
-        for (unsigned i = 0; i < _size; ++i) {
-            if (mine[i] != theirs[i] && Morvane::lower_letter(mine[i]) != Morvane::lower_letter(theirs[i]))
-                return false;
-        }
-        return true;
+        return Morvane::same_letters(_store(), other._store(), _size);
     }
     bool operator!=(const Value& other) const { return !(*this == other); }
 
@@ -138,11 +133,21 @@ public:
     void confine_to(unsigned n);
 
     /// Index 0 is the least significant (rightmost) bit; throws out_of_range past the width.
-    char& operator[](unsigned i);
-    const char& operator[](unsigned i) const;
+    char& operator[](unsigned i) { return const_cast<char&>(std::as_const(*this)[i]); }
+    const char& operator[](unsigned i) const
+    {
+        if (i >= _size)
+            _throw_index_error(i);
+        return _store()[_size - 1 - i];
+    }
     /// Index 0 is the leftmost bit; throws out_of_range past the width.
-    char& left_indexed_bit(unsigned i);
-    const char& left_indexed_bit(unsigned i) const;
+    char& left_indexed_bit(unsigned i) { return const_cast<char&>(std::as_const(*this).left_indexed_bit(i)); }
+    const char& left_indexed_bit(unsigned i) const
+    {
+        if (i >= _size)
+            _throw_index_error(i);
+        return _store()[i];
+    }
 
 private:
     static constexpr unsigned small_capacity = 8;  // bits that fit in the object

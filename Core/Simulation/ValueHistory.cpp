@@ -16,10 +16,23 @@ void ValueHistory::set(const Value& value, int time)
 {
     if (_records.empty() && _size == 0)
         _size = value.size();
-    if (size() != value.size())
+    if (_size != value.size())
         throw Error("ValueHistory: mismatching type width. ValueHistory width=%d, but value width=%d\n",
                     static_cast<int>(value.size()), static_cast<int>(size()));
 
+    if (!_records.empty() && time >= _records.last_time()) {
+        // The common case, a value at or after the latest entry, compares letters in place and makes
+        // the old value only for subscribers that hear of a change.
+        const char* last = _records.last_letters();
+        bool blank = _has_blank_entries && last[0] == '\0';  // an empty value equals every value
+        if (!blank && _subscriber_count() != 0 && !Morvane::same_letters(last, value.c_str(), _size))
+            _notify_subscribers(_value_from(last), value, time);
+        if (time > _records.last_time())
+            _records.append(time, value.c_str());
+        else
+            _records.overwrite(_records.size() - 1, value.c_str());
+        return;
+    }
     // Subscribers hear first: whoever reads this history at `time` meanwhile still sees the old value.
     Value old_value = this->value(time);
     if (old_value != value)
@@ -39,7 +52,7 @@ void ValueHistory::_store(const Value& value, int time)
     }
     std::size_t i = _records.upper_bound(time);
     if (i > 0 && _records.time(i - 1) == time) {
-        std::memcpy(_records.letters(i - 1), value.c_str(), _records.width());
+        _records.overwrite(i - 1, value.c_str());
         return;
     }
     _records.insert(i, time, value.c_str());

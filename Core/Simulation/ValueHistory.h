@@ -93,8 +93,8 @@ public:
     /// entry of the same time. Times may come in any order. A width other than size() throws Error.
     virtual void set(const Value& value, int time);
     /// The value in force at `time`.
-    virtual Value value(int time) const;
-    virtual unsigned size() const { return _size; }
+    virtual Value value(int time) const final;
+    virtual unsigned size() const final { return _size; }
 
     unsigned nof_values() const { return static_cast<unsigned>(_records.size()); }
     /// In ascending time.
@@ -162,6 +162,7 @@ protected:
     }
 
 private:
+    std::size_t _subscriber_count() const { return _subscribers ? _subscribers->size() : (_subscriber != nullptr); }
     Entry _entry(std::size_t i) const { return Entry{_records.time(i), _value_of(i)}; }
     void _store(const Value& value, int time);
 
