@@ -92,7 +92,7 @@ void Circuit::evaluate_port(int time, Port*)
     evaluate(time);
 }
 
-void Circuit::port_changed_value(Port* port, Value&, Value&, int time)
+void Circuit::port_changed_value(Port* port, const Value&, const Value&, int time)
 {
     if (simulator() != nullptr)
         simulator()->request_evaluation(time, this, port);

@@ -84,7 +84,7 @@ public:
     void evaluate_port(int time, Port* port) override;
     std::vector<std::string> get_valid_param_keys() override { return {}; }
     /// Asks for its own evaluation at the same time; the values are not looked at.
-    void port_changed_value(Port* port, Value& old_value, Value& new_value, int time) override;
+    void port_changed_value(Port* port, const Value& old_value, const Value& new_value, int time) override;
     void disconnect() override;
     void update_after_param_change() override {}
     /// With a parent, the parent's sink if it has one; the sink nearest the root wins.

@@ -138,7 +138,7 @@ void Join::evaluate(int time)
     _out->set(joined, time);
 }
 
-void Join::port_changed_value(Port* port, Value&, Value&, int time)
+void Join::port_changed_value(Port* port, const Value&, const Value&, int time)
 {
     request_evaluation(time, this, port);
 }
@@ -210,7 +210,7 @@ void Split::evaluate(int time)
     }
 }
 
-void Split::port_changed_value(Port* port, Value&, Value&, int time)
+void Split::port_changed_value(Port* port, const Value&, const Value&, int time)
 {
     request_evaluation(time, this, port);
 }

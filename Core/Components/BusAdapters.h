@@ -52,7 +52,7 @@ public:
     /// Rebuilds the whole of "out" from the inputs at `time`.
     void evaluate(int time) override;
     /// Evaluates at the same time.
-    void port_changed_value(Port* port, Value& old_value, Value& new_value, int time) override;
+    void port_changed_value(Port* port, const Value& old_value, const Value& new_value, int time) override;
     std::vector<std::string> get_valid_param_keys() override { return {"out"}; }
     /// The ports are fixed at construction.
     void update_after_param_change() override {}
@@ -82,7 +82,7 @@ public:
     /// Sets every output from "in" at `time`.
     void evaluate(int time) override;
     /// Evaluates at the same time.
-    void port_changed_value(Port* port, Value& old_value, Value& new_value, int time) override;
+    void port_changed_value(Port* port, const Value& old_value, const Value& new_value, int time) override;
     std::vector<std::string> get_valid_param_keys() override { return {"in"}; }
     /// The ports are fixed at construction.
     void update_after_param_change() override {}

@@ -115,7 +115,7 @@ void Component::value_changed(const ValueHistory* source, ValueChange& change)
     port_changed_value(p, change.old_value, change.new_value, change.time);
 }
 
-void Component::port_changed_value(Port*, Value&, Value&, int) {}
+void Component::port_changed_value(Port*, const Value&, const Value&, int) {}
 
 void Component::disconnect()
 {
@@ -367,7 +367,7 @@ std::vector<std::string> SingleDelayComponent::get_valid_param_keys()
     return {"delay"};
 }
 
-void SingleDelayComponent::port_changed_value(Port* port, Value&, Value&, int time)
+void SingleDelayComponent::port_changed_value(Port* port, const Value&, const Value&, int time)
 {
     request_evaluation(time + _delay, this, port);
 }

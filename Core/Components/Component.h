@@ -50,7 +50,7 @@ public:
     /// Adds a pin made elsewhere; null throws Error.
     virtual void add_pin(Pin* pin);
     void value_changed(const ValueHistory* source, ValueChange& change) override;
-    virtual void port_changed_value(Port* port, Value& old_value, Value& new_value, int time);
+    virtual void port_changed_value(Port* port, const Value& old_value, const Value& new_value, int time);
     /// Leaves the outside net of every port; the inside stays.
     virtual void disconnect();
     virtual void update_after_param_change() = 0;
@@ -145,7 +145,7 @@ public:
 
     /// "delay"
     std::vector<std::string> get_valid_param_keys() override;
-    void port_changed_value(Port* port, Value& old_value, Value& new_value, int time) override;
+    void port_changed_value(Port* port, const Value& old_value, const Value& new_value, int time) override;
     /// Reads "delay"; a missing key leaves the delay as it was.
     void update_after_param_change() override;
 

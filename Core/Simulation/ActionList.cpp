@@ -4,22 +4,19 @@
 #include "Core/Support/HugePages.h"
 
 #include <cstring>
-#include <functional>
+#include <cstdint>
 
 namespace {
 
 constexpr std::uint32_t free_bucket = 0;
 
 // Equal requests share target and port; the value stays out, since its equality is one-sided.
+// The filter takes the top bits, the table the low ones: both are mixed.
 std::size_t hash_of(const void* target, const Port* port)
 {
-    std::size_t seed = std::hash<const void*>()(target);
-    seed ^= std::hash<const void*>()(port) + 0x9e3779b97f4a7c15ull + (seed << 6) + (seed >> 2);
-    // Spread the low bits, which pick the bucket.
-    seed ^= seed >> 29;
-    seed *= 0xbf58476d1ce4e5b9ull;
-    seed ^= seed >> 32;
-    return seed;
+    std::uint64_t seed = reinterpret_cast<std::uintptr_t>(target) * 0x9e3779b97f4a7c15ull;
+    seed ^= reinterpret_cast<std::uintptr_t>(port) * 0xc2b2ae3d27d4eb4full;
+    return static_cast<std::size_t>(seed ^ (seed >> 32));
 }
 
 }  // namespace
@@ -34,27 +31,33 @@ ActionStore::~ActionStore()
 
 std::uint32_t ActionStore::add(void* target, Port* port, const Value* value)
 {
-    if ((_count & chunk_mask) == 0 && (_count >> chunk_shift) == _chunks.size())
-        _chunks.push_back(static_cast<ActionRecord*>(allocate_huge(chunk_bytes)));
+    if ((_count & chunk_mask) == 0) {
+        if ((_count >> chunk_shift) == _chunks.size())
+            _chunks.push_back(static_cast<ActionRecord*>(allocate_huge(chunk_bytes)));
+        _chunk = _chunks[_count >> chunk_shift];
+    }
     std::uint32_t where = 0;
     if (value != nullptr) {
-        std::size_t need = 1 + value->size();
-        if (_letters_used + need > chunk_bytes) {
-            ++_letter_chunk;
+        unsigned width = value->size();
+        std::size_t need = 1 + width;
+        if (_letters_used + need > chunk_bytes || _letters == nullptr) {
+            if (_letters != nullptr)
+                ++_letter_chunk;
             _letters_used = 0;
+            if (_letter_chunk == _letter_chunks.size())
+                _letter_chunks.push_back(static_cast<unsigned char*>(allocate_huge(chunk_bytes)));
+            _letters = _letter_chunks[_letter_chunk];
         }
-        if (_letter_chunk == _letter_chunks.size())
-            _letter_chunks.push_back(static_cast<unsigned char*>(allocate_huge(chunk_bytes)));
-        unsigned char* place = _letter_chunks[_letter_chunk] + _letters_used;
-        place[0] = static_cast<unsigned char>(value->size());
+        unsigned char* place = _letters + _letters_used;
+        place[0] = static_cast<unsigned char>(width);
         const char* letters = value->c_str();
-        for (unsigned i = 0; i < value->size(); ++i)
+        for (unsigned i = 0; i < width; ++i)
             place[1 + i] = static_cast<unsigned char>(letters[i]);
         where = static_cast<std::uint32_t>(_letter_chunk * chunk_bytes + _letters_used) + 1;
         _letters_used += need;
     }
     std::uint32_t id = _count++;
-    (*this)[id] = ActionRecord{target, port, ActionRecord::none, where};
+    _chunk[id & chunk_mask] = ActionRecord{target, port, ActionRecord::none, where};
     return id;
 }
 
@@ -91,8 +94,10 @@ bool ActionStore::equals(std::uint32_t id, void* target, Port* port, const Value
 void ActionStore::clear()
 {
     _count = 0;
+    _chunk = nullptr;
     _letter_chunk = 0;
     _letters_used = 0;
+    _letters = nullptr;
 }
 
 bool ActionList::push(ActionStore& store, void* target, Port* port, const Value* value)

@@ -64,7 +64,9 @@ private:
     std::vector<ActionRecord*> _chunks;          // records, chunk_mask + 1 per chunk, in huge pages
     std::vector<unsigned char*> _letter_chunks;  // width byte then letters, per net action value
     std::uint32_t _count = 0;                    // records in use
+    ActionRecord* _chunk = nullptr;              // the chunk being filled
     std::size_t _letter_chunk = 0;               // the letter chunk being filled
+    unsigned char* _letters = nullptr;           // that chunk, or null before the first net action
     std::size_t _letters_used = 0;               // bytes of that chunk in use
 };
 

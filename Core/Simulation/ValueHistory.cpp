@@ -25,8 +25,11 @@ void ValueHistory::set(const Value& value, int time)
         // the old value only for subscribers that hear of a change.
         const char* last = _records.last_letters();
         bool blank = _has_blank_entries && last[0] == '\0';  // an empty value equals every value
-        if (!blank && _subscriber_count() != 0 && !Morvane::same_letters(last, value.c_str(), _size))
-            _notify_subscribers(_value_from(last), value, time);
+        if (!blank && _subscriber_count() != 0 && !Morvane::same_letters(last, value.c_str(), _size)) {
+            Value old_value = _value_from(last);
+            ValueChange change{old_value, value, time};
+            _notify_subscribers(change);
+        }
         if (time > _records.last_time())
             _records.append(time, value.c_str());
         else
@@ -110,6 +113,11 @@ bool ValueHistory::has_change_subscriber(const ValueChangeSubscriber* subscriber
 void ValueHistory::_notify_subscribers(const Value& old_value, const Value& new_value, int time)
 {
     ValueChange change{old_value, new_value, time};
+    _notify_subscribers(change);
+}
+
+void ValueHistory::_notify_subscribers(ValueChange& change)
+{
     // By index: a subscriber may subscribe others while it is told. A single one that does so turns
     // into a list whose first entry it is, and the walk goes on from the second.
     std::size_t i = 0;

@@ -17,9 +17,9 @@ class ValueHistory;
 /// One change as its subscribers hear of it.
 struct ValueChange
 {
-    Value old_value;  // in force at `time` before the change
-    Value new_value;  // being stored
-    int time;         // ns
+    const Value& old_value;  // in force at `time` before the change
+    const Value& new_value;  // being stored
+    int time;                // ns
 };
 
 /// Who wants to hear of a history's changes; components listen to their inputs this way.
@@ -136,6 +136,7 @@ public:
 
 protected:
     void _notify_subscribers(const Value& old_value, const Value& new_value, int time);
+    void _notify_subscribers(ValueChange& change);
     /// Sizes an unsized history; a net takes its width from the first port attached. Entries made
     /// while the width was 0 stay empty values.
     void _set_size(unsigned size);

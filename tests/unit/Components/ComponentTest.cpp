@@ -44,7 +44,7 @@ public:
     void evaluate(int) override {}
     std::vector<std::string> get_valid_param_keys() override { return {}; }
     void update_after_param_change() override {}
-    void port_changed_value(Port* port, Value&, Value& new_value, int time) override
+    void port_changed_value(Port* port, const Value&, const Value& new_value, int time) override
     {
         heard.push_back(port->name() + "=" + new_value.c_str() + "@" + std::to_string(time));
     }
