@@ -2,9 +2,12 @@
 # The benchmark run of `make bench`: the micro-benchmarks, then the generated circuits at several
 # sizes through morvane_stats, one table row per case.
 #
-#   bench/run_bench.sh [--quick] [--no-micro] [--sizes "1000 10000"] [--kinds "chain mesh"] [--peer]
+#   bench/run_bench.sh [--quick] [--no-micro] [--sizes "1000 10000"] [--kinds "chain mesh"]
+#                      [--times "10000 20000"] [--peer]
 #
-# --kinds "" skips the generated circuits.
+# --kinds "" skips the generated circuits. --times runs every kind and size at each of the given
+# simulated times instead of one chosen by size: rows of one size then show the cost growing with
+# time, rows of one time with N.
 #
 # --peer also runs the yardstick circuits of ../shared/bench/gen.py (chain and mesh, N = 1000 and
 # 10000) through morvane beside the peer's script run_peer.sh, and prints the ratio of events/s.
@@ -19,12 +22,14 @@ kinds="chain mesh fanout bus"
 quick=0
 micro=1
 peer=0
+times=""
 while [ $# -gt 0 ]; do
     case $1 in
     --quick) quick=1; sizes="1000 10000" ;;
     --no-micro) micro=0 ;;
     --sizes) sizes=$2; shift ;;
     --kinds) kinds=$2; shift ;;
+    --times) times=$2; shift ;;
     --peer) peer=1 ;;
     *) echo "unknown option $1" >&2; exit 2 ;;
     esac
@@ -80,22 +85,23 @@ echo "|---|---|---|---|---|---|---|---|---|---|---|---|---|"
 mkdir -p "$work"
 for kind in $kinds; do
     for n in $sizes; do
-        t=$(sim_time "$kind" "$n")
-        dir="$work/${kind}_N${n}_T${t}"
-        [ -f "$dir/circuit.ctc" ] || python3 "$here/gen_bench.py" "$kind" "$n" "$t" --out "$dir" >/dev/null
-        line=$(run_case "$dir")
-        if ! echo "$line" | grep -q STATS; then
-            echo "| $kind | $n | $t | failed: $(echo "$line" | cut -c1-120) |"
-            continue
-        fi
-        load=$(field "$line" load_s); sim=$(field "$line" sim_s); wall=$(field "$line" wall_s)
-        events=$(field "$line" events); evals=$(field "$line" evaluations)
-        rss=$(field "$line" time_maxrss_kb); hb=$(field "$line" history_bytes_per_entry)
-        rb=$(field "$line" rss_bytes_per_entry)
-        awk -v k="$kind" -v n="$n" -v t="$t" -v l="$load" -v s="$sim" -v w="$wall" -v e="$events" \
-            -v v="$evals" -v r="$rss" -v hb="$hb" -v rb="$rb" 'BEGIN {
-            printf "| %s | %d | %d | %.2f | %.2f | %.2f | %d | %d | %.2f M | %.2f M | %.0f | %s | %s |\n",
-                k, n, t, l, s, w, e, v, (s > 0 ? e / s / 1e6 : 0), (w > 0 ? e / w / 1e6 : 0), r / 1024, hb, rb }'
+        for t in ${times:-$(sim_time "$kind" "$n")}; do
+            dir="$work/${kind}_N${n}_T${t}"
+            [ -f "$dir/circuit.ctc" ] || python3 "$here/gen_bench.py" "$kind" "$n" "$t" --out "$dir" >/dev/null
+            line=$(run_case "$dir")
+            if ! echo "$line" | grep -q STATS; then
+                echo "| $kind | $n | $t | failed: $(echo "$line" | cut -c1-120) |"
+                continue
+            fi
+            load=$(field "$line" load_s); sim=$(field "$line" sim_s); wall=$(field "$line" wall_s)
+            events=$(field "$line" events); evals=$(field "$line" evaluations)
+            rss=$(field "$line" time_maxrss_kb); hb=$(field "$line" history_bytes_per_entry)
+            rb=$(field "$line" rss_bytes_per_entry)
+            awk -v k="$kind" -v n="$n" -v t="$t" -v l="$load" -v s="$sim" -v w="$wall" -v e="$events" \
+                -v v="$evals" -v r="$rss" -v hb="$hb" -v rb="$rb" 'BEGIN {
+                printf "| %s | %d | %d | %.2f | %.2f | %.2f | %d | %d | %.2f M | %.2f M | %.0f | %s | %s |\n",
+                    k, n, t, l, s, w, e, v, (s > 0 ? e / s / 1e6 : 0), (w > 0 ? e / w / 1e6 : 0), r / 1024, hb, rb }'
+        done
     done
 done
 

@@ -21,12 +21,14 @@ template <typename Rule> Value combine(const Value& a, const Value& b, Rule rule
 {
     if (a.size() != b.size())
         throw Error("Mismatching value sizes. ");
-    Value result(static_cast<int>(a.size()));
+    // Letters first, the value once: no fill that the rule would overwrite.
+    char letters[256];
     const char* left = a.c_str();
     const char* right = b.c_str();
-    for (unsigned i = 0; i < a.size(); ++i)
-        result.left_indexed_bit(i) = rule(lower_letter(left[i]), lower_letter(right[i]));
-    return result;
+    unsigned width = a.size();
+    for (unsigned i = 0; i < width; ++i)
+        letters[i] = rule(lower_letter(left[i]), lower_letter(right[i]));
+    return Value::from_letters(letters, width);
 }
 
 }  // namespace
@@ -87,11 +89,12 @@ Value Logic::Xnor(const Value& a, const Value& b)
 
 Value Logic::Inv(const Value& a)
 {
-    Value result(static_cast<int>(a.size()));
+    char letters[256];
     const char* bits = a.c_str();
-    for (unsigned i = 0; i < a.size(); ++i) {
+    unsigned width = a.size();
+    for (unsigned i = 0; i < width; ++i) {
         char l = lower_letter(bits[i]);
-        result.left_indexed_bit(i) = l == 'l' ? 'H' : (l == 'u' ? 'u' : 'L');
+        letters[i] = l == 'l' ? 'H' : (l == 'u' ? 'u' : 'L');
     }
-    return result;
+    return Value::from_letters(letters, width);
 }

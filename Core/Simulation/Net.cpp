@@ -146,10 +146,8 @@ void Net::collect_connected_nets(std::set<Net*>& nets)
     }
 }
 
-Value Net::value(int time, const Port* port) const
+Value Net::_narrowed_value(int time, const Port* port) const
 {
-    if (_pin_specs.empty())
-        return ValueHistory::value(time);
     auto it = _pin_specs.find(port);
     if (it == _pin_specs.end())
         return ValueHistory::value(time);

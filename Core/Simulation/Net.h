@@ -56,7 +56,10 @@ public:
     void collect_connected_nets(std::set<Net*>& nets);
 
     /// The recorded value, narrowed to the bits of `port`'s pin spec if it has one here.
-    Value value(int time, const Port* port) const;
+    Value value(int time, const Port* port) const
+    {
+        return _pin_specs.empty() ? ValueHistory::value(time) : _narrowed_value(time, port);
+    }
     using ValueHistory::value;
     /// Resolves this net's own drivers; with `follow`, also those inside the inout ports that hang on
     /// it from the outside with an inner net of the same width.
@@ -81,6 +84,7 @@ public:
     const PinSpec* _pin_spec(const Port* port) const { return _pin_specs.at(port); }
 
 private:
+    Value _narrowed_value(int time, const Port* port) const;
     /// All bits in one pass over the ports; false, having recorded nothing, where tied nets or pin
     /// specs need the bit-by-bit walk.
     bool _compute_value_fast(int time, Value& out);

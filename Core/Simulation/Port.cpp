@@ -144,13 +144,8 @@ void Port::disconnect(IntExtQual q)
 
 void Port::_z_translate(Value& value) const
 {
-    if (!_z_translation)
-        return;
-    for (unsigned i = 0; i < value.size(); ++i) {
-        char& bit = value.left_indexed_bit(i);
-        if (bit == 'z' || bit == 'Z')
-            bit = 'U';
-    }
+    if (_z_translation)
+        value.replace_tristate('U');
 }
 
 void Port::set_options(ParaMap& params)

@@ -118,6 +118,15 @@ public:
     /// hex() for a binary value, else the letters.
     std::string readable() const;
 
+    /// Every z, in either case, becomes `replacement`.
+    void replace_tristate(char replacement)
+    {
+        char* store = _store();
+        for (unsigned i = 0; i < _size; ++i) {
+            if (store[i] == 'z' || store[i] == 'Z')
+                store[i] = replacement;
+        }
+    }
     void set_undefined() { array_set('u'); }
     void set_tristate() { array_set('z'); }
     void array_set(char c);

@@ -61,10 +61,8 @@ void ValueHistory::_store(const Value& value, int time)
     _records.insert(i, time, value.c_str());
 }
 
-Value ValueHistory::value(int time) const
+Value ValueHistory::_earlier_value(int time) const
 {
-    if (!_records.empty() && time >= _records.last_time())
-        return _value_from(_records.last_letters());
     std::ptrdiff_t i = _index_at(time);
     return i >= 0 ? _value_of(static_cast<std::size_t>(i)) : Value(static_cast<int>(size()));
 }

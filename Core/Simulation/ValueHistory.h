@@ -93,7 +93,12 @@ public:
     /// entry of the same time. Times may come in any order. A width other than size() throws Error.
     virtual void set(const Value& value, int time);
     /// The value in force at `time`.
-    virtual Value value(int time) const final;
+    virtual Value value(int time) const final
+    {
+        if (!_records.empty() && time >= _records.last_time())
+            return _value_from(_records.last_letters());
+        return _earlier_value(time);
+    }
     virtual unsigned size() const final { return _size; }
 
     unsigned nof_values() const { return static_cast<unsigned>(_records.size()); }
@@ -163,6 +168,8 @@ protected:
     }
 
 private:
+    /// The value in force at a time before the last entry, or of an empty history.
+    Value _earlier_value(int time) const;
     std::size_t _subscriber_count() const { return _subscribers ? _subscribers->size() : (_subscriber != nullptr); }
     Entry _entry(std::size_t i) const { return Entry{_records.time(i), _value_of(i)}; }
     void _store(const Value& value, int time);
