@@ -3,21 +3,12 @@
 #include "Core/Simulation/Value.h"
 #include "Core/Support/HugePages.h"
 
-#include <cstring>
 #include <cstdint>
+#include <cstring>
 
 namespace {
 
 constexpr std::uint32_t free_bucket = 0;
-
-// Equal requests share target and port; the value stays out, since its equality is one-sided.
-// The filter takes the top bits, the table the low ones: both are mixed.
-std::size_t hash_of(const void* target, const Port* port)
-{
-    std::uint64_t seed = reinterpret_cast<std::uintptr_t>(target) * 0x9e3779b97f4a7c15ull;
-    seed ^= reinterpret_cast<std::uintptr_t>(port) * 0xc2b2ae3d27d4eb4full;
-    return static_cast<std::size_t>(seed ^ (seed >> 32));
-}
 
 }  // namespace
 
@@ -29,7 +20,7 @@ ActionStore::~ActionStore()
         release_huge(chunk, chunk_bytes);
 }
 
-std::uint32_t ActionStore::add(void* target, Port* port, const Value* value)
+std::uint32_t ActionStore::_add_with_letters_or_chunk(void* target, Port* port, const Value* value)
 {
     if ((_count & chunk_mask) == 0) {
         if ((_count >> chunk_shift) == _chunks.size())
@@ -100,30 +91,13 @@ void ActionStore::clear()
     _letters = nullptr;
 }
 
-bool ActionList::push(ActionStore& store, void* target, Port* port, const Value* value)
+void ActionList::_index_added(const ActionStore& store, std::uint32_t id, std::size_t hash)
 {
-    std::size_t hash = hash_of(target, port);
-    std::uint64_t& filter_word = _filter[(hash >> 62) & 3];
-    std::uint64_t filter_bit = std::uint64_t{1} << ((hash >> 56) & 63);
-    // Most requests are new: a clear filter bit proves it without looking at the list.
-    if ((filter_word & filter_bit) != 0 && _contains(store, target, port, value, hash))
-        return false;
-    filter_word |= filter_bit;
-    std::uint32_t id = store.add(target, port, value);
-    if (_last == ActionRecord::none)
-        _first = id;
+    // Keep the table at most half full so probes stay short.
+    if (_count * 2 > _index->size())
+        _build_index(store, _index->size() * 2);
     else
-        store[_last].next = id;
-    _last = id;
-    ++_count;
-    if (_indexed) {
-        // Keep the table at most half full so probes stay short.
-        if (_count * 2 > _index->size())
-            _build_index(store, _index->size() * 2);
-        else
-            _index_record(id, hash);
-    }
-    return true;
+        _index_record(id, hash);
 }
 
 void ActionList::clear()

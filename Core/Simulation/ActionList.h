@@ -35,7 +35,14 @@ public:
     ActionStore& operator=(const ActionStore&) = delete;
 
     /// A component action (value null) or a net action, linked to nothing yet.
-    std::uint32_t add(void* target, Port* port, const Value* value);
+    std::uint32_t add(void* target, Port* port, const Value* value)
+    {
+        if (value != nullptr || (_count & chunk_mask) == 0)
+            return _add_with_letters_or_chunk(target, port, value);
+        std::uint32_t id = _count++;
+        _chunk[id & chunk_mask] = ActionRecord{target, port, ActionRecord::none, 0};
+        return id;
+    }
     ActionRecord& operator[](std::uint32_t id) { return _chunks[id >> chunk_shift][id & chunk_mask]; }
     const ActionRecord& operator[](std::uint32_t id) const
     {
@@ -60,6 +67,7 @@ private:
     static constexpr std::size_t chunk_bytes = sizeof(ActionRecord) << chunk_shift;  // also a letter chunk
 
     const unsigned char* _letters_at(std::uint32_t value) const;
+    std::uint32_t _add_with_letters_or_chunk(void* target, Port* port, const Value* value);
 
     std::vector<ActionRecord*> _chunks;          // records, chunk_mask + 1 per chunk, in huge pages
     std::vector<unsigned char*> _letter_chunks;  // width byte then letters, per net action value
@@ -81,7 +89,26 @@ public:
     ActionList& operator=(ActionList&&) = default;
 
     /// Appends the action unless an equal one is in the list; true if appended.
-    bool push(ActionStore& store, void* target, Port* port, const Value* value);
+    bool push(ActionStore& store, void* target, Port* port, const Value* value)
+    {
+        std::size_t hash = hash_of(target, port);
+        std::uint64_t& filter_word = _filter[(hash >> 62) & 3];
+        std::uint64_t filter_bit = std::uint64_t{1} << ((hash >> 56) & 63);
+        // Most requests are new: a clear filter bit proves it without looking at the list.
+        if ((filter_word & filter_bit) != 0 && _contains(store, target, port, value, hash))
+            return false;
+        filter_word |= filter_bit;
+        std::uint32_t id = store.add(target, port, value);
+        if (_last == ActionRecord::none)
+            _first = id;
+        else
+            store[_last].next = id;
+        _last = id;
+        ++_count;
+        if (_indexed)
+            _index_added(store, id, hash);
+        return true;
+    }
     std::uint32_t first() const { return _first; }
     std::size_t size() const { return _count; }
     bool empty() const { return _count == 0; }
@@ -97,7 +124,16 @@ public:
 private:
     static constexpr std::uint32_t scan_limit = 8;  // actions looked through before indexing
 
+    /// Equal requests share target and port; the value stays out, since its equality is one-sided.
+    /// The filter takes the top bits, the table the low ones: both are mixed.
+    static std::size_t hash_of(const void* target, const Port* port)
+    {
+        std::uint64_t seed = reinterpret_cast<std::uintptr_t>(target) * 0x9e3779b97f4a7c15ull;
+        seed ^= reinterpret_cast<std::uintptr_t>(port) * 0xc2b2ae3d27d4eb4full;
+        return static_cast<std::size_t>(seed ^ (seed >> 32));
+    }
     bool _contains(const ActionStore& store, void* target, Port* port, const Value* value, std::size_t hash);
+    void _index_added(const ActionStore& store, std::uint32_t id, std::size_t hash);
     void _build_index(const ActionStore& store, std::size_t buckets);
     void _index_record(std::uint32_t id, std::size_t hash);
 

@@ -181,33 +181,6 @@ void EventSimulator::_run_same_time_actions()
     _same_time_store.clear();
 }
 
-void EventSimulator::request_evaluation(int time, Net* net, Port* port, const Value& value)
-{
-    _request(time, net, port, &value);
-}
-
-void EventSimulator::request_evaluation(int time, Component* component, Port* port)
-{
-    _request(time, component, port, nullptr);
-}
-
-void EventSimulator::_request(int time, void* target, Port* port, const Value* value)
-{
-    // Equal requests are dropped; the same-time list remembers what already ran at this time.
-    if (time == _time)
-        _same_time_actions.push(_same_time_store, target, port, value);
-    else
-        _slot(time).push(_kept, target, port, value);
-}
-
-ActionList& EventSimulator::_slot(int time)
-{
-    CachedSlot& cached = _slot_cache[static_cast<unsigned>(time) & (slot_cache_size - 1)];
-    if (cached.slot == nullptr || cached.time != time)
-        cached = CachedSlot{time, &_find_slot(time)};
-    return *cached.slot;
-}
-
 ActionList& EventSimulator::_find_slot(int time)
 {
     // Most new slots lie a few steps after the running one or after the last: walking there from

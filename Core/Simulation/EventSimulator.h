@@ -48,8 +48,8 @@ public:
     /// Runs every slot from the first up to and including end_time.
     void simulate(int end_time);
 
-    void request_evaluation(int time, Net* net, Port* port, const Value& value);
-    void request_evaluation(int time, Component* component, Port* port);
+    void request_evaluation(int time, Net* net, Port* port, const Value& value) { _request(time, net, port, &value); }
+    void request_evaluation(int time, Component* component, Port* port) { _request(time, component, port, nullptr); }
 
     /// Actions run since the simulator was made, and of those the component evaluations: a
     /// measure of the work of a run that costs nothing to keep.
@@ -72,8 +72,21 @@ private:
 
     void _register();
     /// A net action (value given) or a component action (value null), as the engine keeps them.
-    void _request(int time, void* target, Port* port, const Value* value);
-    ActionList& _slot(int time);
+    void _request(int time, void* target, Port* port, const Value* value)
+    {
+        // Equal requests are dropped; the same-time list remembers what already ran at this time.
+        if (time == _time)
+            _same_time_actions.push(_same_time_store, target, port, value);
+        else
+            _slot(time).push(_kept, target, port, value);
+    }
+    ActionList& _slot(int time)
+    {
+        CachedSlot& cached = _slot_cache[static_cast<unsigned>(time) & (slot_cache_size - 1)];
+        if (cached.slot == nullptr || cached.time != time)
+            cached = CachedSlot{time, &_find_slot(time)};
+        return *cached.slot;
+    }
     ActionList& _find_slot(int time);
     void _run(const ActionStore& store, std::uint32_t id);
     void _run_actions(ActionList& slot);
