@@ -57,12 +57,18 @@ public:
             _add_page(time);
         char* record = _tail + _tail_count * _stride();
         std::memcpy(record, &time, sizeof time);
-        // A loop: a memcpy of a few bytes of unknown count is a library call.
-        for (unsigned i = 0; i < _width; ++i)
-            record[sizeof time + i] = letters[i];
         ++_tail_count;
         ++_count;
         _last_time = time;
+        if (_width == 1) {
+            // Most signals are one bit.
+            record[sizeof time] = letters[0];
+            _last_letters[0] = letters[0];
+            return;
+        }
+        // A loop: a memcpy of a few bytes of unknown count is a library call.
+        for (unsigned i = 0; i < _width; ++i)
+            record[sizeof time + i] = letters[i];
         _copy_last(letters);
     }
     /// Puts a record before record i; rare, so it rebuilds the pages.

@@ -63,23 +63,8 @@ void Port::set(const Value& value, int time)
     }
 }
 
-Value Port::_net_value(Net* net, int time)
+Value Port::_inout_value(int time)
 {
-    Value result = net->value(time, this);
-    _z_translate(result);
-    return result;
-}
-
-Value Port::value(int time)
-{
-    switch (dir()) {
-    case Input:
-        return _outside_net != nullptr ? _net_value(_outside_net, time) : ValueHistory::value(time);
-    case Output:
-        return _inside_net != nullptr ? _net_value(_inside_net, time) : ValueHistory::value(time);
-    case Inout:
-        break;
-    }
     if (_inside_net == nullptr) {
         if (_outside_net != nullptr)
             return _net_value(_outside_net, time);
@@ -119,20 +104,6 @@ void Port::update(int time)
     set(value(time), time);
 }
 
-bool Port::drives(const Net* net) const
-{
-    switch (dir()) {
-    case Input:
-        // A sub-circuit's input drives the inner net with what it hears outside.
-        return net == _inside_net;
-    case Output:
-        return net == _outside_net;
-    case Inout:
-        return net == _inside_net && _outside_net == nullptr && nof_values() != 0;
-    }
-    return false;
-}
-
 void Port::disconnect(IntExtQual q)
 {
     if (q != Inside && q != Outside)
@@ -140,12 +111,6 @@ void Port::disconnect(IntExtQual q)
     Net* side = net(q);
     if (side != nullptr)
         side->remove(this);
-}
-
-void Port::_z_translate(Value& value) const
-{
-    if (_z_translation)
-        value.replace_tristate('U');
 }
 
 void Port::set_options(ParaMap& params)

@@ -4,13 +4,13 @@
 
 #include "Core/Circuit/BaseObject.h"
 #include "Core/Simulation/Dir.h"
+#include "Core/Simulation/Net.h"
 #include "Core/Simulation/ValueHistory.h"
 
 #include <string>
 #include <vector>
 
 class Component;
-class Net;
 class ParaMap;
 
 /// Remembers every value it was given, and by its direction decides which nets it drives and which
@@ -36,7 +36,18 @@ public:
     /// Records the value; an output then asks its outside net to recompute at `time`.
     void set(const Value& value, int time) final;
     /// The value as the owner sees it, see the class comment. The const form is the recorded value.
-    virtual Value value(int time) final;
+    virtual Value value(int time) final
+    {
+        switch (_dir) {
+        case Morvane::Input:
+            return _outside_net != nullptr ? _net_value(_outside_net, time) : ValueHistory::value(time);
+        case Morvane::Output:
+            return _inside_net != nullptr ? _net_value(_inside_net, time) : ValueHistory::value(time);
+        case Morvane::Inout:
+            break;
+        }
+        return _inout_value(time);
+    }
     using ValueHistory::value;
     /// The resolved value of this port's own drivers on the net of side q; all u without a net.
     virtual Value local_net_value(int time, Morvane::IntExtQual q, bool follow);
@@ -51,7 +62,19 @@ public:
     /// Refreshes the port from its net: set(value(time), time).
     void update(int time);
     /// Whether this port is a driver of `net` when the net gathers its drivers.
-    bool drives(const Net* net) const;
+    bool drives(const Net* net) const
+    {
+        switch (_dir) {
+        case Morvane::Input:
+            // A sub-circuit's input drives the inner net with what it hears outside.
+            return net == _inside_net;
+        case Morvane::Output:
+            return net == _outside_net;
+        case Morvane::Inout:
+            return net == _inside_net && _outside_net == nullptr && nof_values() != 0;
+        }
+        return false;
+    }
     /// Leaves the net of side q, if any.
     void disconnect(Morvane::IntExtQual q);
     bool z_translation() const { return _z_translation; }
@@ -63,10 +86,20 @@ public:
 
 protected:
     /// Every z, in either case, becomes capital U.
-    void _z_translate(Value& value) const;
+    void _z_translate(Value& value) const
+    {
+        if (_z_translation)
+            value.replace_tristate('U');
+    }
 
 private:
-    Value _net_value(Net* net, int time);
+    Value _net_value(Net* net, int time)
+    {
+        Value result = net->value(time, this);
+        _z_translate(result);
+        return result;
+    }
+    Value _inout_value(int time);
 
     Morvane::Dir _dir;            // as seen from the owner
     Component* _component;        // owner; null when made by a factory
