@@ -112,20 +112,23 @@ shared=${SHARED_BENCH:-$root/../shared/bench}
 [ -d "$shared" ] || shared=$root/../../shared/bench
 peer_work=${PEER_WORK:-/tmp/morvane-bench}
 echo
-echo "## Beside the peer (its events; interleaved wall time, minimum of 3)"
+echo "## Beside the peer (its events; wall time interleaved over 5 rounds, minimum and median)"
 echo
-echo "| kind | N | T ns | events | morvane wall s | peer wall s | morvane events/s | peer events/s | ratio |"
-echo "|---|---|---|---|---|---|---|---|---|"
+echo "| kind | N | T ns | events | morvane wall s min / median | peer wall s min / median | morvane events/s (median) | peer events/s (median) | ratio min | ratio median |"
+echo "|---|---|---|---|---|---|---|---|---|---|"
 for spec in "chain 1000 500000" "chain 10000 50000" "mesh 1000 500000" "mesh 10000 100000"; do
     set -- $spec
     kind=$1 n=$2 t=$3
     result=$("$shared/run_peer.sh" --work "$peer_work" --no-evals --repeat 1 "$kind" "$n" "$t" | grep '^RESULT')
     dir=$(field "$result" dir)
     events=$(field "$result" events)
-    times=$("$shared/interleave.sh" -r 3 -C "$dir" -- 'vvp -n sim_nodump' "$build/Cli/morvane -v $kind.ctc $kind.tv")
-    peer_s=$(echo "$times" | grep 'vvp' | sed 's/.*min=\([0-9.]*\).*/\1/')
-    ours_s=$(echo "$times" | grep 'Cli/morvane' | sed 's/.*min=\([0-9.]*\).*/\1/')
-    awk -v k="$kind" -v n="$n" -v t="$t" -v e="$events" -v o="$ours_s" -v p="$peer_s" 'BEGIN {
-        printf "| %s | %d | %d | %d | %.2f | %.2f | %.2f M | %.2f M | %.2f |\n",
-            k, n, t, e, o, p, e / o / 1e6, e / p / 1e6, p / o }'
+    times=$("$shared/interleave.sh" -r 5 -C "$dir" -- 'vvp -n sim_nodump' "$build/Cli/morvane -v $kind.ctc $kind.tv")
+    peer_line=$(echo "$times" | grep 'vvp')
+    ours_line=$(echo "$times" | grep 'Cli/morvane')
+    awk -v k="$kind" -v n="$n" -v t="$t" -v e="$events" -v o="$ours_line" -v p="$peer_line" '
+        function stat(line, name) { match(line, name "=[0-9.]+"); return substr(line, RSTART + length(name) + 1, RLENGTH - length(name) - 1) }
+        BEGIN {
+            omin = stat(o, "min"); omed = stat(o, "median"); pmin = stat(p, "min"); pmed = stat(p, "median")
+            printf "| %s | %d | %d | %d | %.2f / %.2f | %.2f / %.2f | %.2f M | %.2f M | %.2f | %.2f |\n",
+                k, n, t, e, omin, omed, pmin, pmed, e / omed / 1e6, e / pmed / 1e6, pmin / omin, pmed / omed }'
 done

@@ -5,6 +5,7 @@
 #include "Core/Support/NumberText.h"
 #include "Core/Support/StringUtils.h"
 
+#include <climits>
 #include <map>
 
 using Morvane::Inout;
@@ -50,7 +51,12 @@ unsigned size_from(const ParaMap& params, const std::string& size_key, const cha
 {
     if (!params.has_key(size_key))
         throw Error("%s", missing);
-    return static_cast<unsigned>(str_to_number(params[size_key]));
+    // A size beyond an int has no meaning for a port and would overflow the fit checks. A text with
+    // no number reads as all ones, which the checks take as the size -1.
+    std::uint64_t size = str_to_number(params[size_key]);
+    if (size != UINT64_MAX && size > static_cast<std::uint64_t>(INT_MAX))
+        throw Error("The '%s' size %s is too large.", size_key.c_str(), params[size_key].c_str());
+    return static_cast<unsigned>(size);
 }
 
 }  // namespace

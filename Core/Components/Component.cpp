@@ -37,7 +37,14 @@ void log_line_as_format(SimLog* sink, LogLevel level, const char* line, ...)
 {
     va_list args;
     va_start(args, line);
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wformat-nonliteral"
+#endif
     sink->log(level, line, args);
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
     va_end(args);
 }
 

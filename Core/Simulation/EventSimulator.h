@@ -48,8 +48,14 @@ public:
     /// Runs every slot from the first up to and including end_time.
     void simulate(int end_time);
 
-    void request_evaluation(int time, Net* net, Port* port, const Value& value) { _request(time, net, port, &value); }
-    void request_evaluation(int time, Component* component, Port* port) { _request(time, component, port, nullptr); }
+    void request_evaluation(int time, Net* net, Port* port, const Value& value)
+    {
+        _request(time, net, port, &value);
+    }
+    void request_evaluation(int time, Component* component, Port* port)
+    {
+        _request(time, component, port, nullptr);
+    }
 
     /// Actions run since the simulator was made, and of those the component evaluations: a
     /// measure of the work of a run that costs nothing to keep.

@@ -53,7 +53,10 @@ public:
     virtual Value local_net_value(int time, Morvane::IntExtQual q, bool follow);
     virtual Morvane::Dir dir() const final { return _dir; }
     virtual void set_dir(Morvane::Dir dir) { _dir = dir; }
-    virtual Net* net(Morvane::IntExtQual q) const final { return q == Morvane::Inside ? _inside_net : _outside_net; }
+    virtual Net* net(Morvane::IntExtQual q) const final
+    {
+        return q == Morvane::Inside ? _inside_net : _outside_net;
+    }
     /// Changes only this side: the net's port list stays as it is.
     virtual void set_net(Net* net, Morvane::IntExtQual q);
     virtual void disable_z_translation() { _z_translation = false; }

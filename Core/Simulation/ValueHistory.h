@@ -170,7 +170,10 @@ protected:
 private:
     /// The value in force at a time before the last entry, or of an empty history.
     Value _earlier_value(int time) const;
-    std::size_t _subscriber_count() const { return _subscribers ? _subscribers->size() : (_subscriber != nullptr); }
+    std::size_t _subscriber_count() const
+    {
+        return _subscribers ? _subscribers->size() : (_subscriber != nullptr);
+    }
     Entry _entry(std::size_t i) const { return Entry{_records.time(i), _value_of(i)}; }
     void _store(const Value& value, int time);
 

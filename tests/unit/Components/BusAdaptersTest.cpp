@@ -182,6 +182,9 @@ TEST(BusAdaptersTest, MessagesForBadDeclarations)
         {[&] { factory.create("Split", "s(in=4,a=2:5)"); }, "Port 'a' (2:5) is too big to fit into size 4."},
         {[&] { factory.create("Splice", "s(size=8,x=9)"); }, "Port 'x' (9) is too big to fit into size 8."},
         {[&] { factory.create("Join", "j(out=8,a=x)"); }, "Invalid pin spec expression: 'x'."},
+        // A fuzzer finding: a size beyond an int overflowed the fit check.
+        {[&] { factory.create("Split", "s(in=2147483648,lo=3:0)"); },
+         "The 'in' size 2147483648 is too large."},
         {[] {
              Splice("s", 8, {{"x", "4:x"}});
          },
