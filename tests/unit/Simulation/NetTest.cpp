@@ -141,18 +141,6 @@ TEST(NetTest, UpdateSetsListenersOnly)
     EXPECT_STREQ(sub_output.ValueHistory::value(7).c_str(), "H");
 }
 
-TEST(NetTest, WideNetsResolveEveryBit)
-{
-    Net net(12);
-    auto a = driver(net, "HHHHLLLLzzzz");
-    auto b = driver(net, "zzzzzzzzHLpn");
-    net.update(0, {});
-    EXPECT_STREQ(net.value(0).c_str(), "HHHHLLLLHLHL");
-    Value out(3);
-    net.compute_value(1, out);
-    EXPECT_STREQ(out.c_str(), "HHHHLLLLHLHL");
-}
-
 TEST(NetTest, OnePassAndBitByBitResolutionAgree)
 {
     // An inout port with only an inside net and no stimulus adds nothing, but takes the bit-by-bit path.
@@ -338,18 +326,4 @@ TEST(NetTest, DestructionDetachesAndFactoryCollectsEmptyNets)
     }
     EXPECT_EQ(used->ports(), (std::vector<Port*>{&p}));  // a dying port leaves its nets
     p.disconnect(Outside);
-}
-
-TEST(NetTest, PrintListsThePorts)
-{
-    Net net("n", 1);
-    Port a(1, Input, "a", nullptr);
-    Port b(1, Output, "b", nullptr);
-    net.add(&a, Outside);
-    net.add(&b, Outside);
-    CaptureStdout();
-    net.print();
-    std::string text = GetCapturedStdout();
-    EXPECT_EQ(text.rfind("Net 'n' 0x", 0), 0u) << text;
-    EXPECT_NE(text.find(":  a b \n"), std::string::npos) << text;
 }

@@ -7,9 +7,6 @@
 #include <string>
 #include <vector>
 
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStdout;
-
 namespace {
 
 // Remembers what it heard, and what the history read at the change's time while it was told.
@@ -207,13 +204,4 @@ TEST(ValueHistoryTest, MaxUnsignedValueAndAcceptedCells)
     };
     for (const Row& r : rows)
         EXPECT_EQ(ValueHistory(r.width).can_accept_value(r.text, r.dir), r.want) << r.text << " " << r.width;
-}
-
-TEST(ValueHistoryTest, PrintsOneLinePerEntry)
-{
-    ValueHistory h(2);
-    fill(h, {{0, "LH"}, {25, "Hu"}});
-    CaptureStdout();
-    h.print();
-    EXPECT_EQ(GetCapturedStdout(), "0: LH\n25: Hu\n");
 }
