@@ -96,34 +96,6 @@ TEST(ComponentTest, InputsAreSubscribedWhenAdded)
     EXPECT_EQ(c.heard.back(), "in=LLLL@1");
 }
 
-TEST(ComponentTest, PortLookups)
-{
-    Copyable c("c");
-    Port* bus = c.make_port(8, Input, "d");
-    Pin* first = c.make_pin(Output, "q");
-    Pin* second = c.make_pin(Output, "q");
-    second->set_id("id2");
-    EXPECT_EQ(c.port("d"), bus);
-    EXPECT_EQ(c.port("q"), first);
-    EXPECT_EQ(c.port("x"), nullptr);
-    EXPECT_EQ(c.pin("d"), nullptr);  // a port of that name, but no pin
-    EXPECT_EQ(c.pin("q"), first);
-    EXPECT_EQ(c.port_by_id("id2"), second);
-    EXPECT_TRUE(c.has_port("d"));
-    EXPECT_TRUE(c.has_port_with_id("id2"));
-    EXPECT_FALSE(c.has_port_with_id("nope"));
-    EXPECT_EQ(c.count_ports_with_name("q"), 2);
-    EXPECT_EQ(c.count_ports_with_id("id2"), 1);
-
-    const Copyable& view = c;
-    std::vector<Port*> copy = view.ports();
-    copy.clear();
-    EXPECT_EQ(c.ports().size(), 3u);
-    c.ports().pop_back();
-    EXPECT_EQ(view.ports().size(), 2u);
-    EXPECT_EQ(view.port("q"), first);
-}
-
 TEST(ComponentTest, NullPortsAndRenames)
 {
     Copyable c("c");
