@@ -21,16 +21,6 @@ std::string printed(const Dict& d)
 
 }  // namespace
 
-TEST(DictTest, GetWithCreateLeavesTheKeyBehind)
-{
-    Dict d;
-    EXPECT_EQ(d.get_double("x", true), 0.0);
-    EXPECT_TRUE(d.has_double("x"));
-    EXPECT_FALSE(d.is_empty());
-    EXPECT_EQ(d.get_string("s", true), "");
-    EXPECT_TRUE(d.has_string("s"));
-}
-
 TEST(DictTest, MissingEntriesThrowTheirMessages)
 {
     Dict d;

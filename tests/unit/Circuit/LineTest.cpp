@@ -62,12 +62,6 @@ TEST(LineTest, RejectsBadLinesWithTheirMessages)
              PortLine(t, 8, "a.ctc");
          },
          "Error on line 8, in file a.ctc: port size must be a number. '8x' is not."},
-        {"port size in hex",
-         [] {
-             Tokens t{"Port", "Input", "0x10", "a"};
-             PortLine(t, 8, "a.ctc");
-         },
-         "Error on line 8, in file a.ctc: port size must be a number. '0x10' is not."},
         {"size is checked first",
          [] {
              Tokens t{"Port", "Sideways", "x", "a"};
@@ -90,18 +84,6 @@ TEST(LineTest, RejectsBadLinesWithTheirMessages)
              UnitLine(Tokens{"Unit", "And", "g[1000001]"}, 11, "a.ctc");
          },
          "Error on line 11, in file a.ctc: Unit array 'g[1000001]' is too large: at most 1000000 instances."},
-        {"unit array count beyond 32 bits",
-         [] {
-             UnitLine(Tokens{"Unit", "And", "g[99999999999]"}, 12, "a.ctc");
-         },
-         "Error on line 12, in file a.ctc: Unit array 'g[99999999999]' is too large: at most 1000000 "
-         "instances."},
-        {"port size beyond 32 bits",
-         [] {
-             Tokens t{"Port", "Input", "99999999999", "a"};
-             PortLine(t, 13, "a.ctc");
-         },
-         "Error on line 13, in file a.ctc: port size '99999999999' is too large."},
         {"negative port size beyond 32 bits",
          [] {
              Tokens t{"Port", "Input", "-2147483649", "a"};
@@ -131,18 +113,6 @@ TEST(LineTest, NetLineTakesNameAndPortsAndWarnsOnASinglePort)
               "*** WARNING f.ctc:12: Only one port in Net. May indicate missing net name.\n");
     EXPECT_EQ(single.name, "a.x");
     EXPECT_EQ(single.ports, Tokens{"b.y"});
-}
-
-TEST(LineTest, PortAndPinLinesLeaveDirectionAndWidthToTheBuilder)
-{
-    Tokens port{"Port", "Inout", "-1", "a", "b"};
-    PortLine p(port, 1, "f");
-    EXPECT_EQ(p.size, "-1");
-    EXPECT_EQ(p.names, (Tokens{"a", "b"}));
-    Tokens pin{"Pin", "Sideways", "a", "b(ztr=off)"};
-    PinLine q(pin, 1, "f");
-    EXPECT_EQ(q.direction, "Sideways");
-    EXPECT_EQ(q.names, (Tokens{"a", "b(ztr=off)"}));
 }
 
 TEST(LineTest, UnitLineExpandsArrayNames)
