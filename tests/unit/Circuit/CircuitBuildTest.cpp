@@ -1,4 +1,5 @@
 #include "CircuitHarness.h"
+#include "tests/unit/ErrorText.h"
 #include "tests/unit/TempDir.h"
 
 #include "Core/Circuit/Circuit.h"
@@ -37,20 +38,8 @@ std::unique_ptr<Circuit> load(const TempDir& dir, const Files& files, const std:
 
 std::string build_error(const TempDir& dir, const Files& files)
 {
-    try {
-        load(dir, files);
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "no error";
+    return error_of([&] { load(dir, files); });
 }
-
-/// The simulator is global: one per test, gone at the end.
-struct SimulatorGuard
-{
-    explicit SimulatorGuard(Circuit& root) { simulator(&root); }
-    ~SimulatorGuard() { destroy_simulator(); }
-};
 
 // A set-reset latch of two Nand gates, inputs active low, in a library folder of its own.
 const char* latch_file = "# Set-reset latch, inputs active low.\n"
@@ -222,12 +211,8 @@ TEST(CircuitBuildTest, PortDirectionIsCheckedAgainWhenBuilding)
     PortLine line(tokens, 9, "f.ctc");
     line.direction = "Sideways";
     BuildHarness top("top", nullptr);
-    try {
-        top._add_circuit_port(line);
-        FAIL() << "no error";
-    } catch (const Error& e) {
-        EXPECT_EQ(e.message(), "Unsupported port direction 'Sideways' on line 9.");
-    }
+    EXPECT_EQ(error_of([&] { top._add_circuit_port(line); }),
+              "Unsupported port direction 'Sideways' on line 9.");
 }
 
 TEST(CircuitBuildTest, UnconnectedInputsOncePerInstanceNeverInTheDeclaration)

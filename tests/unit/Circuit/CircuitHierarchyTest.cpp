@@ -1,4 +1,5 @@
 #include "CircuitHarness.h"
+#include "tests/unit/ErrorText.h"
 
 #include "Core/Circuit/Circuit.h"
 #include "Core/Support/Error.h"
@@ -13,16 +14,6 @@ using Morvane::Output;
 using Morvane::Outside;
 
 namespace {
-
-std::string error_of(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "(no error)";
-}
 
 /// A half adder built by calls: pins a, b in, sum, carry out; Xor x, And g.
 void fill_half_adder(Circuit& c)

@@ -1,4 +1,5 @@
 #include "CircuitHarness.h"
+#include "tests/unit/ErrorText.h"
 
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/ComponentOptions.h"
@@ -53,16 +54,6 @@ protected:
     Net* sn = nullptr;        // in s: g.out to t.p
     Net* tn = nullptr;        // in t: p to i.in
 };
-
-std::string error_of(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "(no error)";
-}
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include "Core/Circuit/CircuitSpec.h"
 
+#include "tests/unit/ErrorText.h"
 #include "tests/unit/TempDir.h"
 
 #include "Core/Support/Error.h"
@@ -22,12 +23,7 @@ std::string read_error(const TempDir& dir, const Files& files)
 {
     for (const auto& [name, text] : files)
         dir.write(name, text);
-    try {
-        CircuitSpec spec("main.ctc");
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "no error";
+    return error_of([] { CircuitSpec spec("main.ctc"); });
 }
 
 std::unique_ptr<CircuitSpec> read(const TempDir& dir, const std::string& text, const Files& others = {})

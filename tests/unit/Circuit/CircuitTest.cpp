@@ -1,6 +1,7 @@
 #include "Core/Circuit/Circuit.h"
 
 #include "CircuitHarness.h"
+#include "tests/unit/ErrorText.h"
 
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Support/Error.h"
@@ -16,27 +17,6 @@ using Morvane::Input;
 using Morvane::Inside;
 using Morvane::Output;
 using Morvane::Outside;
-
-namespace {
-
-std::string error_of(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "(no error)";
-}
-
-/// The simulator is global: one per test, gone at the end.
-struct SimulatorGuard
-{
-    explicit SimulatorGuard(Circuit& root) { simulator(&root); }
-    ~SimulatorGuard() { destroy_simulator(); }
-};
-
-}  // namespace
 
 TEST(CircuitTest, PartsAreFoundByInstanceNameFirstMatchFirst)
 {

@@ -1,5 +1,7 @@
 #include "Core/Circuit/Dict.h"
 
+#include "tests/unit/ErrorText.h"
+
 #include "Core/Support/Error.h"
 #include "Core/Support/TLog.h"
 
@@ -36,12 +38,7 @@ TEST(DictTest, MissingEntriesThrowTheirMessages)
         {[&] { d.get_dict_in_list("l", "n", false); }, "No such dict with name='n' in list 'l'"},
     };
     for (const auto& [call, message] : cases) {
-        try {
-            call();
-            ADD_FAILURE() << "no exception for " << message;
-        } catch (const Error& e) {
-            EXPECT_EQ(e.message(), message);
-        }
+        EXPECT_EQ(error_of([&] { call(); }), message);
     }
     EXPECT_TRUE(d.doubles().empty());
     EXPECT_TRUE(d.get_dict_list("l", false).empty());

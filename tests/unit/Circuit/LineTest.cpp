@@ -1,5 +1,7 @@
 #include "Core/Circuit/Line.h"
 
+#include "tests/unit/ErrorText.h"
+
 #include "Core/Support/Error.h"
 
 #include <functional>
@@ -8,20 +10,6 @@
 #include <vector>
 
 using Tokens = std::vector<std::string>;
-
-namespace {
-
-std::string message_of(const std::function<void()>& make)
-{
-    try {
-        make();
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "no error";
-}
-
-}  // namespace
 
 TEST(LineTest, RejectsBadLinesWithTheirMessages)
 {
@@ -92,7 +80,7 @@ TEST(LineTest, RejectsBadLinesWithTheirMessages)
          "Error on line 14, in file a.ctc: port size '-2147483649' is too large."},
     };
     for (const Case& c : cases)
-        EXPECT_EQ(message_of(c.make), c.message) << c.what;
+        EXPECT_EQ(error_of(c.make), c.message) << c.what;
 }
 
 TEST(LineTest, NetLineTakesNameAndPortsAndWarnsOnASinglePort)

@@ -1,5 +1,7 @@
 #include "Core/Simulation/Net.h"
 
+#include "tests/unit/ErrorText.h"
+
 #include "Core/Simulation/Port.h"
 #include "Core/Support/Error.h"
 
@@ -27,16 +29,6 @@ std::unique_ptr<Port> driver(Net& net, const char* letters, const std::string& n
     port->ValueHistory::set(Value(letters), 0);
     net.add(port.get(), Outside);
     return port;
-}
-
-std::string error_of(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "no error";
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "Core/Simulation/ValueHistory.h"
 
+#include "tests/unit/ErrorText.h"
+
 #include "Core/Support/Error.h"
 
 #include <climits>
@@ -74,14 +76,9 @@ TEST(ValueHistoryTest, FirstSetSizesAnUnsizedHistoryAndWidthMismatchThrows)
     ValueHistory h(0);
     h.set(Value("HLH"), 0);
     EXPECT_EQ(h.size(), 3u);
-    try {
-        h.set(Value("HL"), 5);
-        FAIL() << "no error";
-    } catch (const Error& e) {
-        // The value's width comes first, whatever the words say.
-        EXPECT_EQ(e.message(),
-                  "ValueHistory: mismatching type width. ValueHistory width=2, but value width=3\n");
-    }
+    // The value's width comes first, whatever the words say.
+    EXPECT_EQ(error_of([&] { h.set(Value("HL"), 5); }),
+              "ValueHistory: mismatching type width. ValueHistory width=2, but value width=3\n");
     EXPECT_EQ(h.nof_values(), 1u);
 }
 

@@ -1,5 +1,6 @@
 #include "Core/TestSequence/TestSequenceFileReader.h"
 
+#include "tests/unit/ErrorText.h"
 #include "tests/unit/TempDir.h"
 
 #include "Core/Support/Error.h"
@@ -32,12 +33,7 @@ std::unique_ptr<TestSequence> read(const TempDir& dir, const std::string& text)
 
 std::string read_error(const TempDir& dir, const std::string& text)
 {
-    try {
-        read(dir, text);
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "no error";
+    return error_of([&] { read(dir, text); });
 }
 
 Strings texts(const std::vector<SignalData>& signals)
