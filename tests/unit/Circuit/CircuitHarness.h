@@ -4,6 +4,7 @@
 #define MORVANE_TESTS_UNIT_CIRCUIT_CIRCUITHARNESS_H
 
 #include "Core/Circuit/Circuit.h"
+#include "Core/Simulation/EventSimulator.h"
 #include "Core/Simulation/ValueHistory.h"
 #include "Core/Support/SimLog.h"
 
@@ -39,6 +40,13 @@ public:
     void clear() override { lines.clear(); }
 
     std::vector<std::string> lines;  // in the order logged
+};
+
+/// The simulator is global: one per test, gone at the end.
+struct SimulatorGuard
+{
+    explicit SimulatorGuard(Circuit& root) { simulator(&root); }
+    ~SimulatorGuard() { destroy_simulator(); }
 };
 
 /// "time value " for every recorded change.

@@ -1,9 +1,9 @@
 #include "CircuitHarness.h"
+#include "tests/unit/ErrorText.h"
 
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/ComponentOptions.h"
 #include "Core/Support/Error.h"
-#include "Core/Support/Regex.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -12,8 +12,6 @@
 using Morvane::Input;
 using Morvane::Output;
 using Morvane::Outside;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStdout;
 
 namespace {
 
@@ -53,16 +51,6 @@ protected:
     Net* sn = nullptr;        // in s: g.out to t.p
     Net* tn = nullptr;        // in t: p to i.in
 };
-
-std::string error_of(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "(no error)";
-}
 
 }  // namespace
 
@@ -201,39 +189,4 @@ TEST_F(Tree, UnconnectedInputsAreReportedAtEveryLevel)
         "1 [k(Inv) in u | WARNING] Input port 'in' of component 'Inv'/'k' is not connected.",
     };
     EXPECT_EQ(sink.lines, want);
-}
-
-TEST(CircuitDumpTest, PrintsPartsDeclarationsPortsAndNets)
-{
-    OpenCircuit top("top", nullptr);
-    top.set_filename("top.ctc");
-    Pin* a = top.make_pin(Input, "a");
-    Component* g = top.add_component("And", "g");
-    top.make_net("n", {a, g->port("a")});
-    auto* model = new OpenCircuit("Half", "half", nullptr);
-    top.add_copy_of_circuit_as_declaration(model);
-    delete model;
-
-    CaptureStdout();
-    top.print(false);
-    std::string text = std::regex_replace(GetCapturedStdout(), std::regex("(0x)+[0-9a-f]+"), "@");
-    EXPECT_EQ(text, "Circuit: 'top' / 'Circuit' (@) file: 'top.ctc'\n"
-                    "   Components [1]:\n"
-                    "      [0]: 'And' : 'g'  (@)\n"
-                    "   Declarations [1]:\n"
-                    "      [0]: 'Half' 'half'  (@)\n"
-                    "   Ports [1]:\n"
-                    "      'a' (@) (net 'n' @)\n"
-                    "   Nets [1]:\n"
-                    "      Net 'n' @:  a a \n");
-
-    // Only the recursive form opens the declaration, one level below its line.
-    CaptureStdout();
-    top.print(true);
-    text = std::regex_replace(GetCapturedStdout(), std::regex("(0x)+[0-9a-f]+"), "@");
-    EXPECT_NE(text.find("      [0]: 'Half' 'half'  (@)\n"
-                        "         Circuit: 'half' / 'Half' (@) file: ''\n"
-                        "            Components [0]:\n"),
-              std::string::npos)
-        << text;
 }

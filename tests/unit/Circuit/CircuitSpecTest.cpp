@@ -1,5 +1,6 @@
 #include "Core/Circuit/CircuitSpec.h"
 
+#include "tests/unit/ErrorText.h"
 #include "tests/unit/TempDir.h"
 
 #include "Core/Support/Error.h"
@@ -22,12 +23,7 @@ std::string read_error(const TempDir& dir, const Files& files)
 {
     for (const auto& [name, text] : files)
         dir.write(name, text);
-    try {
-        CircuitSpec spec("main.ctc");
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "no error";
+    return error_of([] { CircuitSpec spec("main.ctc"); });
 }
 
 std::unique_ptr<CircuitSpec> read(const TempDir& dir, const std::string& text, const Files& others = {})
@@ -55,7 +51,6 @@ TEST(CircuitSpecTest, ReportsEachErrorWithItsFileAndLine)
         {"a double brace",
          {{"main.ctc", "Circuit x {\n}}\n"}},
          "Error in main.ctc:1: Illegal keyword: '}}'."},
-        {"an odd quote", {{"main.ctc", "Unit \"a b\n"}}, "Error in main.ctc:1: Unterminated string."},
         {"quotes before the keyword",
          {{"main.ctc", "foo \"x\n"}},
          "Error in main.ctc:1: Unterminated string."},
@@ -82,15 +77,6 @@ TEST(CircuitSpecTest, ReportsEachErrorWithItsFileAndLine)
         {"a missing import",
          {{"main.ctc", "Import \"sub/missing.ctc\"\n"}},
          "Error: File not found: 'sub/missing.ctc'."},
-        {"a missing circuit file",
-         {{"main.ctc", "Circuit X \"x.ctc\"\n"}},
-         "Error: File not found: 'x.ctc'."},
-        {"a brace with no block",
-         {{"main.ctc", "Unit A a\n}\n"}},
-         "Error in main.ctc:2: '}' without an open Circuit block."},
-        {"nets sharing a pin",
-         {{"main.ctc", "Net n0 z.q z.r\nNet n1 a.x b.y\nNet n2 c.z b.y a.x\n"}},
-         "Error in line main.ctc:2: net 'n1' and net 'n2' shares the pin 'a.x'."},
         {"nets sharing a pin in a block",
          {{"main.ctc", "Circuit C {\nNet n1 a.x e.f\nNet n2 a.x b.y\n}\n"}},
          "Error in line main.ctc:2: net 'n1' and net 'n2' shares the pin 'a.x'."},
@@ -126,9 +112,6 @@ TEST(CircuitSpecTest, ReportsEachErrorWithItsFileAndLine)
         {"nets sharing a pin in a circuit file",
          {{"main.ctc", "Circuit X \"x.ctc\"\n"}, {"x.ctc", "Net n1 a.x e.f\n\nNet n2 a.x b.y\n"}},
          "Error in line main.ctc:1: net 'n1' and net 'n2' shares the pin 'a.x'."},
-        {"an import of itself",
-         {{"main.ctc", "Unit A a\nImport \"main.ctc\"\n"}},
-         "Error: Circular import of 'main.ctc': the file is already being read."},
         {"an import cycle",
          {{"main.ctc", "Import \"sub/a.ctc\"\n"},
           {"sub/a.ctc", "Import \"b.ctc\"\n"},

@@ -1,6 +1,7 @@
 #include "Core/Circuit/Circuit.h"
 
 #include "CircuitHarness.h"
+#include "tests/unit/ErrorText.h"
 
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Support/Error.h"
@@ -16,27 +17,6 @@ using Morvane::Input;
 using Morvane::Inside;
 using Morvane::Output;
 using Morvane::Outside;
-
-namespace {
-
-std::string error_of(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "(no error)";
-}
-
-/// The simulator is global: one per test, gone at the end.
-struct SimulatorGuard
-{
-    explicit SimulatorGuard(Circuit& root) { simulator(&root); }
-    ~SimulatorGuard() { destroy_simulator(); }
-};
-
-}  // namespace
 
 TEST(CircuitTest, PartsAreFoundByInstanceNameFirstMatchFirst)
 {
@@ -186,28 +166,9 @@ TEST(CircuitTest, NetsWithFewerPortsGoAtEveryLevel)
     EXPECT_EQ(i->port("in")->net(Outside), nullptr);
 }
 
-TEST(CircuitTest, MetaDataCommentsAndImportPaths)
+TEST(CircuitTest, ImportPathsAreKeptRelativeToTheCircuit)
 {
     OpenCircuit top("top", nullptr);
-    top.add_meta_data("k", "one");
-    top.add_meta_data("k", "two");
-    top.add_meta_data("a", "x");
-    EXPECT_EQ(top.get_meta_data_string("k"), "one");
-    EXPECT_EQ(top.get_meta_data_vector("k"), (std::vector<std::string>{"one", "two"}));
-    EXPECT_EQ(top.get_meta_data_keys(), (std::vector<std::string>{"a", "k"}));
-    top.set_meta_data("k", "three");
-    EXPECT_EQ(top.get_meta_data_vector("k"), std::vector<std::string>{"three"});
-    top.remove_meta_data("k");
-    EXPECT_EQ(top.get_meta_data_string("k"), "");
-    EXPECT_TRUE(top.get_meta_data_vector("k").empty());
-
-    Comment* first = top.add_comment("first");
-    top.add_comment("second");
-    top.set_comment_text(1, "changed");
-    top.remove_comment(first);
-    top.remove_comment(nullptr);
-    ASSERT_EQ(top.nof_comments(), 1);
-    EXPECT_EQ(top.get_comment(0)->text(), "changed");
 
     EXPECT_EQ(top.import_paths(), std::set<std::string>{"./"});
     top.remove_import_path("./");
@@ -249,12 +210,6 @@ TEST(CircuitTest, PortNamesSplitAsThePatternSplitsThem)
 TEST(CircuitTest, OwnPortsTakeOptionsAndRefuseDuplicates)
 {
     OpenCircuit top("top", nullptr);
-    ParaMap params;
-    EXPECT_EQ(OpenCircuit::_parse_name_and_params("d[3](ztr=off)", params), "d[3]");
-    EXPECT_EQ(params.to_string(), "(ztr=off)");
-    ParaMap none;
-    EXPECT_EQ(OpenCircuit::_parse_name_and_params("q-1", none), "");
-    EXPECT_EQ(none.size(), 0u);
 
     Port* out = top._create_port("y(ztr=off)", 4, Output, "f.ctc", 3);
     EXPECT_EQ(out->name(), "y");

@@ -1,6 +1,7 @@
 #include "Core/Components/BusAdapters.h"
 
 #include "PartHarness.h"
+#include "tests/unit/ErrorText.h"
 
 #include "Core/Support/Error.h"
 #include "Core/Support/StringUtils.h"
@@ -170,16 +171,12 @@ TEST(BusAdaptersTest, MessagesForBadDeclarations)
         {[] { Join("j", ParaMap(std::string("(a=3:0)"))); }, "A Join unit needs an 'out' parameter."},
         {[] { Split("s", ParaMap(std::string("(a=3:0)"))); }, "A Split unit needs an 'in' parameter."},
         {[] { Splice("s", ParaMap(std::string("(a=3:0)"))); }, "A Splice unit needs a 'size' parameter."},
-        {[&] { factory.create("Join", "j(out=4,a=3,b=3)"); },
-         "BusJoin Overlap. Ports 'a' and 'b' both drive pin 3."},
         {[&] { factory.create("Join", "j(out=8,a=1:3,b=0;2)"); },
          "BusJoin Overlap. Ports 'a' and 'b' both drive pin 2."},
         {[] {
              Join("j", 4, {{"a", "3"}, {"b", "1:3"}});
          },
          "BusJoin Overlap. Ports 'a' and 'b' both drive pin 3."},
-        {[&] { factory.create("Join", "j(out=4,a=4)"); }, "Port 'a' (4) is too big to fit into size 4."},
-        {[&] { factory.create("Split", "s(in=4,a=2:5)"); }, "Port 'a' (2:5) is too big to fit into size 4."},
         {[&] { factory.create("Splice", "s(size=8,x=9)"); }, "Port 'x' (9) is too big to fit into size 8."},
         {[&] { factory.create("Join", "j(out=8,a=x)"); }, "Invalid pin spec expression: 'x'."},
         // A fuzzer finding: a size beyond an int overflowed the fit check.
@@ -191,12 +188,7 @@ TEST(BusAdaptersTest, MessagesForBadDeclarations)
          "Invalid pin spec expression: '4:x'."},
     };
     for (const Row& r : rows) {
-        try {
-            r.make();
-            ADD_FAILURE() << r.message << ": nothing thrown";
-        } catch (const Error& e) {
-            EXPECT_EQ(e.message(), r.message);
-        }
+        EXPECT_EQ(error_of([&] { r.make(); }), r.message);
     }
     // Outputs may share a source bit.
     EXPECT_NO_THROW(factory.create("Split", "s(in=4,x=0,y=0:1)"));

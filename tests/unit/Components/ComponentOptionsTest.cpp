@@ -1,5 +1,7 @@
 #include "Core/Components/ComponentOptions.h"
 
+#include "tests/unit/ErrorText.h"
+
 #include "Core/Support/Error.h"
 
 #include <functional>
@@ -8,20 +10,6 @@
 #include <string>
 
 using Options = std::map<std::string, std::string>;
-
-namespace {
-
-std::string message_of(const std::function<void()>& make)
-{
-    try {
-        make();
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "no error";
-}
-
-}  // namespace
 
 TEST(ComponentOptionsTest, ParsesNameAndOptions)
 {
@@ -76,7 +64,7 @@ TEST(ComponentOptionsTest, RejectsMalformedTextWithItsMessage)
         {[] { PortAssignment("A=1=2", ""); }, "Too many equal signs in port assignment: 'A=1=2'"},
     };
     for (const Case& c : cases)
-        EXPECT_EQ(message_of(c.make), c.message);
+        EXPECT_EQ(error_of(c.make), c.message);
 }
 
 TEST(ComponentOptionsTest, IndexesOptionsInKeyOrder)

@@ -1,5 +1,7 @@
 #include "Core/Components/Gates.h"
 
+#include "tests/unit/ErrorText.h"
+
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/ComponentFactory.h"
 #include "Core/Simulation/EventSimulator.h"
@@ -121,34 +123,6 @@ TEST(GatesTest, PinsDefaultsAndDescription)
     }
 }
 
-TEST(GatesTest, IntConstructorKeepsTheDelayWithoutParameters)
-{
-    And gate("inner", 12);
-    EXPECT_EQ(gate.delay(), 12);
-    EXPECT_EQ(gate.parameters().size(), 0u);
-    gate.update_after_param_change();  // no key: the delay stays
-    EXPECT_EQ(gate.delay(), 12);
-    gate.set_delay(2);
-    EXPECT_EQ(gate.delay(), 2);
-    EXPECT_EQ(gate.get_valid_param_keys(), std::vector<std::string>{"delay"});
-    Inv inv("i", 0);
-    EXPECT_EQ(inv.ports().size(), 2u);
-}
-
-TEST(GatesTest, OutputFollowsExactlyOneDelayLater)
-{
-    Network n;
-    Gate* inv = n.gate("Inv", "U1");
-    Port* src = n.source("src");
-    n.net("in", {src, inv->port("in")});
-    Net* out = n.net("out", {inv->port("out")});
-    src->set(Value("L"), 0);
-    src->set(Value("H"), 10);
-    simulator()->simulate(100);
-    EXPECT_EQ(record_of(*out), "3H 13L ");
-    EXPECT_EQ(record_of(*inv->port("out")), "3H 13L ");
-}
-
 TEST(GatesTest, PulsesShorterThanTheDelayPass)
 {
     Network n;
@@ -214,23 +188,6 @@ TEST(GatesTest, OutputsOnOneNetResolveByTheTable)
     EXPECT_EQ(record_of(*shared), "0u 3H 13L 30u 40L ");
 }
 
-TEST(GatesTest, FloatingInputReadsUndefined)
-{
-    Network n;
-    Gate* g = n.gate("And", "U1");
-    Port* a = n.source("a");
-    n.net("a", {a, g->port("a")});
-    Net* floating = n.net("floating", {g->port("b")});
-    Net* out = n.net("out", {g->port("out")});
-    floating->update(0, {});
-    EXPECT_STREQ(floating->value(0).c_str(), "z");
-    EXPECT_STREQ(g->port("b")->value(0).c_str(), "U");
-    a->set(Value("H"), 0);
-    a->set(Value("L"), 10);
-    simulator()->simulate(100);
-    EXPECT_EQ(record_of(*out), "3u 13L ");  // L dominates the undefined input
-}
-
 TEST(GatesTest, ZeroDelayGatesRunInTheSameTimeStep)
 {
     Network n;
@@ -267,40 +224,11 @@ TEST(GatesTest, LongZeroDelayRingRaisesTheRunawayError)
         en->set(Value("L"), 0);
         en->set(Value("H"), 10);
         if (delay == 0) {
-            try {
-                simulator()->simulate(50);
-                ADD_FAILURE() << "no error";
-            } catch (const Error& e) {
-                EXPECT_EQ(
-                    e.message(),
-                    "1000 iterations in same time-event loop: probably a circuit/net circular dependency");
-            }
+            EXPECT_EQ(error_of([] { simulator()->simulate(50); }),
+                      "1000 iterations in same time-event loop: probably a circuit/net circular dependency");
         } else {
             simulator()->simulate(5000);
             EXPECT_GT(simulator()->time(), 5000);  // still oscillating
         }
     }
-}
-
-TEST(GatesTest, InoutPortTiesTwoNetsIntoOneNode)
-{
-    Network n;
-    Gate* driver = n.gate("Inv", "U1");
-    Gate* reader = n.gate("Inv", "U2");
-    Port* src = n.source("src");
-    Port tie(1, Inout, "tie", nullptr);
-    n.net("in", {src, driver->port("in")});
-    Net* left = n.net("left", {driver->port("out")});
-    left->add(&tie, Outside);
-    Net* right = n.nets.create("right", 1);
-    right->add(&tie, Inside);
-    right->add(reader->port("in"), Outside);
-    Net* out = n.net("out", {reader->port("out")});
-    src->set(Value("H"), 0);
-    simulator()->simulate(100);
-    EXPECT_EQ(record_of(*left), "3L ");
-    EXPECT_EQ(record_of(*right), "3L ");
-    EXPECT_EQ(record_of(*out), "6H ");
-    tie.disconnect(Inside);
-    tie.disconnect(Outside);
 }

@@ -1,5 +1,7 @@
 #include "Core/Components/ParaMap.h"
 
+#include "tests/unit/ErrorText.h"
+
 #include "Core/Support/Error.h"
 
 #include <gtest/gtest.h>
@@ -39,12 +41,8 @@ TEST(ParaMapTest, AddParamsMergesAndRejectsAnOpenQuote)
     ParaMap p("(a=1,b=2)");
     p.add_params("(b=3,c)");
     EXPECT_EQ(p.data(), (Pairs{{"a", "1"}, {"b", "3"}, {"c", ""}}));
-    try {
-        p.add_params("(d=\"open,e=1)");
-        FAIL() << "no exception";
-    } catch (const Error& e) {
-        EXPECT_EQ(e.message(), "Parameters malformed: '(d=\"open,e=1)': unterminated string.");
-    }
+    EXPECT_EQ(error_of([&] { p.add_params("(d=\"open,e=1)"); }),
+              "Parameters malformed: '(d=\"open,e=1)': unterminated string.");
 }
 
 TEST(ParaMapTest, GetValueReadsNumbers)

@@ -1,5 +1,7 @@
 #include "Core/Simulation/Net.h"
 
+#include "tests/unit/ErrorText.h"
+
 #include "Core/Simulation/Port.h"
 #include "Core/Support/Error.h"
 
@@ -27,16 +29,6 @@ std::unique_ptr<Port> driver(Net& net, const char* letters, const std::string& n
     port->ValueHistory::set(Value(letters), 0);
     net.add(port.get(), Outside);
     return port;
-}
-
-std::string error_of(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "no error";
 }
 
 }  // namespace
@@ -139,18 +131,6 @@ TEST(NetTest, UpdateSetsListenersOnly)
     EXPECT_EQ(reader.nof_values(), 0u);
     EXPECT_STREQ(reader.value(7).c_str(), "H");
     EXPECT_STREQ(sub_output.ValueHistory::value(7).c_str(), "H");
-}
-
-TEST(NetTest, WideNetsResolveEveryBit)
-{
-    Net net(12);
-    auto a = driver(net, "HHHHLLLLzzzz");
-    auto b = driver(net, "zzzzzzzzHLpn");
-    net.update(0, {});
-    EXPECT_STREQ(net.value(0).c_str(), "HHHHLLLLHLHL");
-    Value out(3);
-    net.compute_value(1, out);
-    EXPECT_STREQ(out.c_str(), "HHHHLLLLHLHL");
 }
 
 TEST(NetTest, OnePassAndBitByBitResolutionAgree)
@@ -338,18 +318,4 @@ TEST(NetTest, DestructionDetachesAndFactoryCollectsEmptyNets)
     }
     EXPECT_EQ(used->ports(), (std::vector<Port*>{&p}));  // a dying port leaves its nets
     p.disconnect(Outside);
-}
-
-TEST(NetTest, PrintListsThePorts)
-{
-    Net net("n", 1);
-    Port a(1, Input, "a", nullptr);
-    Port b(1, Output, "b", nullptr);
-    net.add(&a, Outside);
-    net.add(&b, Outside);
-    CaptureStdout();
-    net.print();
-    std::string text = GetCapturedStdout();
-    EXPECT_EQ(text.rfind("Net 'n' 0x", 0), 0u) << text;
-    EXPECT_NE(text.find(":  a b \n"), std::string::npos) << text;
 }

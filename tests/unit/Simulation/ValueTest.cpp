@@ -49,16 +49,13 @@ TEST(ValueTest, ConstructionSizesAndPads)
         {"Value(4)", [] { return Value(4); }, "uuuu"},
         {"Value('L', 4)", [] { return Value('L', 4); }, "LLLL"},
         {"Value('H', 4)", [] { return Value('H', 4); }, "LLLH"},
-        {"Value('u', 4)", [] { return Value('u', 4); }, "uuuu"},
         {"Value('p', 3) pads u", [] { return Value('p', 3); }, "uup"},
         {"Value(High, 2)", [] { return Value(BitState::High, 2); }, "LH"},
-        {"Value(\"Hz\")", [] { return Value("Hz"); }, "Hz"},
         {"Value(\"HL\", 4)", [] { return Value("HL", 4); }, "LLHL"},
         {"Value(\"Hz\", 4)", [] { return Value("Hz", 4); }, "uuHz"},
         {"Value(\"hl\", 3) keeps case", [] { return Value(std::string("hl"), 3); }, "Lhl"},
         {"Value(\"\")", [] { return Value(""); }, ""},
         {"from_int(8)", [] { return Value::from_int(8); }, "HLLL"},
-        {"from_int(1)", [] { return Value::from_int(1); }, "H"},
         {"from_int(255)", [] { return Value::from_int(255); }, "HHHHHHHH"},
         {"from_int(256)", [] { return Value::from_int(256); }, "HLLLLLLLL"},
         {"from_int(0)", [] { return Value::from_int(0); }, ""},
@@ -83,20 +80,16 @@ TEST(ValueTest, WidthWrapsAt256)
 TEST(ValueTest, AssignmentSizesPadsAndReversesNarrowerValues)
 {
     const BuildCase cases[] = {
-        {"Value(4) = \"HL\"", [] { return Value(4) = "HL"; }, "LLHL"},
         {"Value(4) = \"Hz\"", [] { return Value(4) = "Hz"; }, "uuHz"},
         {"Value(0) = \"HzL\"", [] { return Value(0) = std::string("HzL"); }, "HzL"},
         {"Value(4) = Value(HL) reverses", [] { return Value(4) = Value("HL"); }, "LLLH"},
-        {"Value(5) = Value(HHL) reverses", [] { return Value(5) = Value("HHL"); }, "LLLHH"},
         {"Value(4) = Value(Hz) pads u", [] { return Value(4) = Value("Hz"); }, "uuzH"},
         {"Value(4) = Value(pL) pads L", [] { return Value(4) = Value("pL"); }, "LLLp"},
         {"Value(4) = Value(xH) pads u", [] { return Value(4) = Value("xH"); }, "uuHx"},
         {"Value(0) = Value(HzL)", [] { return Value(0) = Value("HzL"); }, "HzL"},
         {"equal widths copy", [] { return Value("LLLL") = Value("Hzpn"); }, "Hzpn"},
-        {"Value(0) = Value(12 bits)", [] { return Value(0) = Value("HHHHLLLLHzHL"); }, "HHHHLLLLHzHL"},
         {"Value(4) = 'H'", [] { return Value(4) = 'H'; }, "LLLH"},
         {"Value(4) = 'u'", [] { return Value(4) = 'u'; }, "uuuu"},
-        {"Value(4) = 'U'", [] { return Value(4) = 'U'; }, "uuuU"},
         {"Value(4) = 'z'", [] { return Value(4) = 'z'; }, "LLLz"},
         {"Value(0) = 'z'", [] { return Value(0) = 'z'; }, "z"},
         {"Value(3) = PullUp", [] { return Value(3) = BitState::PullUp; }, "LLp"},
@@ -135,7 +128,6 @@ TEST(ValueTest, FailuresThrowStandardExceptionsWithExactTexts)
     const ThrowCase domain_errors[] = {
         {"z", [] { (void)Value("HzL").integer(); }, "Cannot interpret 'z' as a binary digit."},
         {"U keeps case", [] { (void)Value("HU").integer(); }, "Cannot interpret 'U' as a binary digit."},
-        {"x", [] { (void)Value("x").integer(); }, "Cannot interpret 'x' as a binary digit."},
     };
     for (const auto& c : domain_errors)
         expect_throw_text<std::domain_error>(c);
@@ -341,7 +333,6 @@ TEST(ValueTest, SizeOperations)
     const Case cases[] = {
         {"pad to 6", Value("HLHz"), [](Value& v) { v.pad_up_to(6, 'L'); }, "LLHLHz"},
         {"pad small to heap", Value("Hz"), [](Value& v) { v.pad_up_to(9, 'z'); }, "zzzzzzzHz"},
-        {"pad to same width", Value("Hz"), [](Value& v) { v.pad_up_to(2, 'L'); }, "Hz"},
         {"confine wider", Value("HLH"), [](Value& v) { v.confine_to(5); }, "LLHLH"},
         {"confine narrower", Value("HLH"), [](Value& v) { v.confine_to(2); }, "LH"},
         {"truncate to wider", Value("HLH"), [](Value& v) { v.truncate_down_to(5); }, "HLH"},
@@ -359,7 +350,6 @@ TEST(ValueTest, SizeOperations)
          },
          "HLHLHLHLHLHL"},
         {"array_set", Value(3), [](Value& v) { v.array_set('n'); }, "nnn"},
-        {"set_to_hex FF", Value(8), [](Value& v) { v.set_to_hex("FF"); }, "HHHHHHHH"},
         {"set_to_hex F", Value(8), [](Value& v) { v.set_to_hex(std::string("F")); }, "LLLLHHHH"},
         {"set_to_hex Z", Value(8), [](Value& v) { v.set_to_hex("Z"); }, "uuuuzzzz"},
     };

@@ -1,5 +1,7 @@
 #include "Core/Support/FileUtils.h"
 
+#include "tests/unit/ErrorText.h"
+
 #include "Core/Support/Error.h"
 
 #include <cstdio>
@@ -19,12 +21,7 @@ TEST(FileUtilsTest, ReadsStatsAndMatchesFiles)
     EXPECT_GT(file_modification_time_in_ns(path), 0);
     remove(path);
     EXPECT_EQ(file_modification_time_in_ns(path), 0);
-    try {
-        file_contents(path);
-        FAIL() << "no exception";
-    } catch (const Error& e) {
-        EXPECT_EQ(e.message(), std::string("File '") + path + "' does not exist");
-    }
+    EXPECT_EQ(error_of([&] { file_contents(path); }), std::string("File '") + path + "' does not exist");
 
     EXPECT_TRUE(filename_matches_pattern("*.ctc", "adder.ctc"));
     EXPECT_FALSE(filename_matches_pattern("*.ctc", "adder.tv"));

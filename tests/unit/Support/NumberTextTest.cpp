@@ -9,41 +9,15 @@
 #include <string>
 #include <utility>
 
-TEST(NumberTextTest, PatternsAreSearches)
-{
-    struct Case
-    {
-        const char* text;
-        bool hex;
-        bool has_hex;
-        bool input_bits;
-        bool output_bits;
-        bool time;
-    };
-    const Case cases[] = {
-        {"1aF", true, true, false, false, false},  {"zz 1", false, true, false, false, false},
-        {"HLuz", false, false, true, true, false}, {"HLx", false, false, false, true, false},
-        {"10", true, true, false, false, true},    {"1.5 ms", false, true, false, false, true},
-        {"3ns", false, true, false, false, true},  {"10 kHz", false, true, false, false, false},
-        {"", false, false, false, false, false},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(is_hex(c.text), c.hex) << c.text;
-        EXPECT_EQ(contains_hex(c.text), c.has_hex) << c.text;
-        EXPECT_EQ(is_input_bit_stream(c.text), c.input_bits) << c.text;
-        EXPECT_EQ(is_output_bit_stream(c.text), c.output_bits) << c.text;
-        EXPECT_EQ(is_time_str(c.text), c.time) << c.text;
-    }
-}
-
 // The scanners read as these searches do, short of their recursion.
 TEST(NumberTextTest, ScannersAgreeWithThePatterns)
 {
     const std::regex hex("^[0-9a-fA-F]+$"), has_hex("[0-9a-fA-F]+"), input_bits("^[HLUZhluz]+$"),
         output_bits("^[HLUZXhluzx]+$"), time("^[0-9., ]+[num]?s?$");
-    const char* texts[] = {"",   "ms",  "1s",    "1nss", "5m",    "5 us", "1.2.3", " ",
-                           "ns", "1sn", "HL\n",  "x",    "Fg",    "0x",   "0X1g",  "$ff",
-                           "$",  "0b2", "0B101", "a0x1", "00x10", "1 0",  "0b0x1"};
+    const char* texts[] = {"",     "ms",   "1s",    "1nss", "5m",     "5 us", "1.2.3", " ",
+                           "ns",   "1sn",  "HL\n",  "x",    "Fg",     "0x",   "0X1g",  "$ff",
+                           "$",    "0b2",  "0B101", "a0x1", "00x10",  "1 0",  "0b0x1", "1aF",
+                           "zz 1", "HLuz", "HLx",   "10",   "1.5 ms", "3ns",  "10 kHz"};
     auto search = [](const char* text, const std::regex& re) { return std::regex_search(text, re); };
     for (const char* text : texts) {
         EXPECT_EQ(is_hex(text), search(text, hex)) << text;

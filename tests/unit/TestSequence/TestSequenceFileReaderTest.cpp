@@ -1,5 +1,6 @@
 #include "Core/TestSequence/TestSequenceFileReader.h"
 
+#include "tests/unit/ErrorText.h"
 #include "tests/unit/TempDir.h"
 
 #include "Core/Support/Error.h"
@@ -10,7 +11,6 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -33,12 +33,7 @@ std::unique_ptr<TestSequence> read(const TempDir& dir, const std::string& text)
 
 std::string read_error(const TempDir& dir, const std::string& text)
 {
-    try {
-        read(dir, text);
-    } catch (const Error& e) {
-        return e.message();
-    }
-    return "no error";
+    return error_of([&] { read(dir, text); });
 }
 
 Strings texts(const std::vector<SignalData>& signals)
@@ -103,7 +98,6 @@ TEST(TestSequenceFileReaderTest, ReportsEachErrorWithItsLineAndFile)
         std::string message;
     };
     const Case cases[] = {
-        {"an empty file", "", "Test vector file ('main.tv') must at least contain a header.\n"},
         {"comments only", "# a\n\n# b\n", "Test vector file ('main.tv') must at least contain a header.\n"},
         {"a line of no kind", "time a => b\n\t!bad  # note\n",
          "Syntax error on line 2 in test file 'main.tv': '!bad'"},
@@ -111,18 +105,8 @@ TEST(TestSequenceFileReaderTest, ReportsEachErrorWithItsLineAndFile)
          "Syntax error on line 2 in test file 'main.tv': '0\tH L'"},
         {"a row without fields", "time a => b\n100\n",
          "Syntax error on line 2 in test file 'main.tv': '100'"},
-        {"two headers", "time a => b\n\ntime c\n",
-         "A second header line was discovered in line 3 in test file 'main.tv'. There can only be one."},
-        {"a header word that is not time", "timer x\n",
-         "Error on line 1: The header must start with the keyword 'time'."},
-        {"a net as input", "\ntime a %b => c\n", "Error on line 2: inputs can't be nets."},
-        {"no inputs", "time => b\n", "Error on line 1: No inputs defined."},
         {"a row ahead of the header", "u(x=1)\n0 H\ntime a\n",
          "Test vector parse error on line 2 in file 'main.tv': a header must precede the test vectors"},
-        {"a field missing", "time a => b\n0 H\n",
-         "Error on line 2: Missing fields: 2 in header, 1 in vector."},
-        {"a field too many", "time a => b\n0 H L L\n",
-         "Error on line 2: Extraneous fields: 2 in header, 3 in vector."},
         {"the delta field counts", "time a ==(dT)=> b\n0 H L\n",
          "Error on line 2: Missing fields: 3 in header, 2 in vector."},
         {"a separator in a row", "time a b => c\n0 H => L\n",
@@ -130,35 +114,20 @@ TEST(TestSequenceFileReaderTest, ReportsEachErrorWithItsLineAndFile)
         {"P expands to p", "time a => b\n0 H P\n", "Error on line 2: Illegal character in vector: 'p'."},
         {"a minus sign", "time a ==(dT)=> b\n0 H -5 L\n",
          "Error on line 2: Illegal character in vector: '-'."},
-        {"a delta time in hex", "time a ==(dT)=> b\n0 H ff L\n",
-         "Error on line 2: delta-time-specification not an integer: 'ff'"},
         {"a delta time past 64 bits", "time a ==(dT)=> b\n0 H 99999999999999999999 L\n",
          "Error on line 2: delta-time-specification not an integer: '99999999999999999999'"},
-        {"equal times", "time a\n5 H\n5 L\n",
-         "Time must move strictly forward in test file. In file 'main.tv': 5 cannot come after 5."},
+        {"a net as input", "\ntime a %b => c\n", "Error on line 2: inputs can't be nets."},
         {"falling times", "time a\n5 H\n7 L\n6 H\n",
          "Time must move strictly forward in test file. In file 'main.tv': 6 cannot come after 7."},
         // The order of times is checked only once the whole file has been read.
         {"a later error first", "time a\n5 H\n5 L\n6 Q\n",
          "Error on line 4: Illegal character in vector: 'Q'."},
         {"component options", "u1(a=b=c)\n", "Too many equal signs in options string: 'a=b=c'"},
-        {"port assignment", "a = 1 = 2\n", "Too many equal signs in port assignment: 'a = 1 = 2'"},
     };
     for (const Case& c : cases) {
         TempDir dir;
         EXPECT_EQ(read_error(dir, c.text), c.message) << c.what;
     }
-
-    TempDir dir;
-    try {
-        TestSequence sequence("missing.tv");
-        FAIL() << "no exception";
-    } catch (const Error& e) {
-        EXPECT_EQ(e.message(), "File 'missing.tv'not found.");
-    }
-    // A time beyond 32 bits leaves as the standard library's error.
-    dir.write("main.tv", "time a\n99999999999 H\n");
-    EXPECT_THROW(TestSequence("main.tv"), std::out_of_range);
 }
 
 // The scans stand in for these expressions: telling examples and random lines over the characters that

@@ -1,5 +1,6 @@
 #include "Core/TestSequence/TestSequence.h"
 
+#include "tests/unit/ErrorText.h"
 #include "tests/unit/TempDir.h"
 
 #include "Core/Support/Error.h"
@@ -215,12 +216,8 @@ TEST(TestSequenceTest, RowConvertsTimesAndDeltaTimes)
 {
     TestVectorHeader header;  // has delta time and no signals
     std::vector<std::string> fields{"x", "5"};
-    try {
-        TestVector(fields, 9, &header, "");
-        FAIL() << "no exception";
-    } catch (const Error& e) {
-        EXPECT_EQ(e.message(), "Error on line 9: First column must be a number: 'x' is not.");
-    }
+    EXPECT_EQ(error_of([&] { TestVector(fields, 9, &header, ""); }),
+              "Error on line 9: First column must be a number: 'x' is not.");
     std::vector<std::string> row{"12abc", "5x"};
     TestVector vector(row, 3, &header, "");
     EXPECT_EQ(vector.time(), 12);
