@@ -65,8 +65,13 @@ TEST(CircuitHierarchyTest, CopyIsDeepWithItsOwnNets)
 
     std::unique_ptr<Circuit> copy(model.copy_allocator(&model, nullptr));
     EXPECT_EQ(copy->type_name(), "Half");
+    EXPECT_EQ(copy->instance_name(), "model");
+    EXPECT_EQ(copy->id(), model.id());
     ASSERT_EQ(copy->ports().size(), 4u);
-    EXPECT_EQ(copy->ports()[3]->id(), model.ports()[3]->id());
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(copy->ports()[i]->name(), model.ports()[i]->name());
+        EXPECT_EQ(copy->ports()[i]->id(), model.ports()[i]->id());
+    }
     EXPECT_EQ(names_of(copy->components()), (std::vector<std::string>{"x", "g"}));
     EXPECT_EQ(copy->find_component("x")->type_name(), "Xor");
     EXPECT_EQ(copy->find_component("x")->comment_text(), "the sum");

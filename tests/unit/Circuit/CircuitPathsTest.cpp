@@ -4,6 +4,7 @@
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/ComponentOptions.h"
 #include "Core/Support/Error.h"
+#include "Core/Support/Regex.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -12,6 +13,8 @@
 using Morvane::Input;
 using Morvane::Output;
 using Morvane::Outside;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
 
 namespace {
 
@@ -189,4 +192,29 @@ TEST_F(Tree, UnconnectedInputsAreReportedAtEveryLevel)
         "1 [k(Inv) in u | WARNING] Input port 'in' of component 'Inv'/'k' is not connected.",
     };
     EXPECT_EQ(sink.lines, want);
+}
+
+TEST(CircuitDumpTest, PrintsPartsDeclarationsPortsAndNets)
+{
+    OpenCircuit top("top", nullptr);
+    top.set_filename("top.ctc");
+    Pin* a = top.make_pin(Input, "a");
+    Component* g = top.add_component("And", "g");
+    top.make_net("n", {a, g->port("a")});
+    auto* model = new OpenCircuit("Half", "half", nullptr);
+    top.add_copy_of_circuit_as_declaration(model);
+    delete model;
+
+    CaptureStdout();
+    top.print(false);
+    const std::string text = std::regex_replace(GetCapturedStdout(), std::regex("(0x)+[0-9a-f]+"), "@");
+    EXPECT_EQ(text, "Circuit: 'top' / 'Circuit' (@) file: 'top.ctc'\n"
+                    "   Components [1]:\n"
+                    "      [0]: 'And' : 'g'  (@)\n"
+                    "   Declarations [1]:\n"
+                    "      [0]: 'Half' 'half'  (@)\n"
+                    "   Ports [1]:\n"
+                    "      'a' (@) (net 'n' @)\n"
+                    "   Nets [1]:\n"
+                    "      Net 'n' @:  a a \n");
 }

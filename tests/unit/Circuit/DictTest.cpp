@@ -3,10 +3,25 @@
 #include "tests/unit/ErrorText.h"
 
 #include "Core/Support/Error.h"
+#include "Core/Support/TLog.h"
 
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
+
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
+
+namespace {
+
+std::string printed(const Dict& d)
+{
+    CaptureStdout();
+    d.print();
+    return GetCapturedStdout();
+}
+
+}  // namespace
 
 TEST(DictTest, MissingEntriesThrowTheirMessages)
 {
@@ -90,4 +105,44 @@ TEST(DictTest, ReplacedAndRemovedDictsLiveOn)
     d.remove_dict("k");
     EXPECT_TRUE(d.is_empty());
     EXPECT_EQ(old_dict->get_string("s", false), "still here");
+}
+
+TEST(DictTest, PrintFormats)
+{
+    Dict empty;
+    EXPECT_EQ(printed(empty), "");
+
+    Dict only_bools;
+    only_bools.set_bool("b", true);
+    EXPECT_FALSE(only_bools.is_empty());
+    EXPECT_EQ(printed(only_bools), "");
+
+    Dict d;
+    d.set_double("k", 2.5);
+    d.set_string("s", "text");
+    Dict* sub = d.make_dict("sub");
+    sub->set_string("name", "inner");
+    sub->make_dict("deep")->set_double("x", 10);
+    Dict* entry = d.make_dict_in_list("list");
+    entry->set_double("e", 1);
+    d.make_dict_in_list("list");
+    EXPECT_EQ(printed(d), "s: 'text'\n"
+                          "k:   2.5\n"
+                          "sub:\n"
+                          "   name: 'inner'\n"
+                          "   deep:\n"
+                          "      x:  10.0\n"
+                          "list (2):\n"
+                          "[0]\n"
+                          "   e:   1.0\n"
+                          "[1]\n");
+
+    // Under an open level, as in the dump of a port, every line moves one level deeper.
+    CaptureStdout();
+    {
+        TLog port("port");
+        only_bools.set_string("s", "x");
+        only_bools.print();
+    }
+    EXPECT_EQ(GetCapturedStdout(), "port\n   s: 'x'\n");
 }

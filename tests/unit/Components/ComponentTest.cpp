@@ -146,7 +146,7 @@ TEST(ComponentTest, CopyHasNewUnconnectedPortsAndListensToThem)
     EXPECT_EQ(source.heard, std::vector<std::string>{"in=LH@4"});
 }
 
-TEST(ComponentTest, ParametersAndTheParentCallback)
+TEST(ComponentTest, NamesParametersAndParent)
 {
     Part part("U1", 5);
     EXPECT_EQ(part.type_name(), "74LS00");
@@ -160,10 +160,14 @@ TEST(ComponentTest, ParametersAndTheParentCallback)
     EXPECT_EQ(part.get_parameter_string(), "(delay=9,family=LS)");
     part.set_parameters(ParaMap("(family=S)"));
     EXPECT_EQ(part.delay(), 1);  // no key: the delay stays
+    part.set_instance_name("U2");
+    EXPECT_EQ(part.name(), "U2");
 
     Circuit top("top", nullptr);
     part.set_parent(&top);
+    EXPECT_EQ(part.parent(), &top);
     EXPECT_EQ(part.connected_to, &top);
+    EXPECT_EQ(part.aux_info_string(), "");
 }
 
 TEST(ComponentTest, DelayedAndZeroDelayEvaluations)
