@@ -327,18 +327,48 @@ public:
 
 // A clock into a chain of N inverters, 3 ns each; the clock is slow enough that about 2N/P
 // inverters switch per ns.
+// What a whole-circuit run did and kept, read after the run and reported as counters.
+struct RunFigures
+{
+    std::size_t events = 0;         // net value changes
+    std::uint64_t actions = 0;      // engine actions run
+    std::uint64_t evaluations = 0;  // component actions among them
+    std::size_t entries = 0;        // history entries of nets and ports
+    std::size_t history_bytes = 0;  // pages of all histories
+    std::size_t kept = 0;           // actions kept in the future queue
+    std::size_t kept_bytes = 0;     // chunks holding them
+
+    void collect(const Network& network)
+    {
+        events = network.net_changes();
+        entries = network.history_entries();
+        history_bytes = HistoryRecords::bytes_in_use();
+        kept = simulator()->nof_actions_kept();
+        kept_bytes = simulator()->bytes_of_actions_kept();
+        actions = simulator()->nof_actions_run();
+        evaluations = simulator()->nof_evaluations_run();
+    }
+
+    void report(benchmark::State& state) const
+    {
+        state.counters["events"] = static_cast<double>(events);
+        state.counters["actions"] = static_cast<double>(actions);
+        state.counters["evaluations"] = static_cast<double>(evaluations);
+        // Pages of all histories against the entries of nets and ports; the chunks of kept actions
+        // against the actions kept.
+        state.counters["B_per_entry"] = static_cast<double>(history_bytes) / static_cast<double>(entries);
+        state.counters["B_per_kept_action"] = static_cast<double>(kept_bytes) / static_cast<double>(kept);
+        state.counters["events_per_s"] =
+            benchmark::Counter(static_cast<double>(events), benchmark::Counter::kIsIterationInvariantRate);
+    }
+};
+
 void BM_InverterChain(benchmark::State& state)
 {
     const int n = static_cast<int>(state.range(0));
     const int end_time = static_cast<int>(state.range(1));
     const int period = n <= 12500 ? 100 : 1000;
-    std::size_t events = 0;
-    std::uint64_t actions = 0;
-    std::uint64_t evaluations = 0;
-    std::size_t entries = 0;
-    std::size_t history_bytes = 0;
-    std::size_t kept = 0;
-    std::size_t kept_bytes = 0;
+    RunFigures figures;
     for (auto _ : state) {
         state.PauseTiming();
         auto network = std::make_unique<Network>();
@@ -355,25 +385,11 @@ void BM_InverterChain(benchmark::State& state)
         state.ResumeTiming();
         simulator()->simulate(end_time + 1);
         state.PauseTiming();
-        events = network->net_changes();
-        entries = network->history_entries();
-        history_bytes = HistoryRecords::bytes_in_use();
-        kept = simulator()->nof_actions_kept();
-        kept_bytes = simulator()->bytes_of_actions_kept();
-        actions = simulator()->nof_actions_run();
-        evaluations = simulator()->nof_evaluations_run();
+        figures.collect(*network);
         network.reset();
         state.ResumeTiming();
     }
-    state.counters["events"] = static_cast<double>(events);
-    state.counters["actions"] = static_cast<double>(actions);
-    state.counters["evaluations"] = static_cast<double>(evaluations);
-    // Pages of all histories against the entries of nets and ports; the chunks of kept actions
-    // against the actions kept.
-    state.counters["B_per_entry"] = static_cast<double>(history_bytes) / static_cast<double>(entries);
-    state.counters["B_per_kept_action"] = static_cast<double>(kept_bytes) / static_cast<double>(kept);
-    state.counters["events_per_s"] =
-        benchmark::Counter(static_cast<double>(events), benchmark::Counter::kIsIterationInvariantRate);
+    figures.report(state);
 }
 BENCHMARK(BM_InverterChain)->Args({1000, 100000})->Args({10000, 10000})->Unit(benchmark::kMillisecond);
 
@@ -384,13 +400,7 @@ void BM_GateMesh(benchmark::State& state)
     const int end_time = static_cast<int>(state.range(1));
     const int scale = n >= 10000 ? 20 : 2;
     const char* types[] = {"And", "Or", "Nand", "Nor", "And", "Or", "Nand", "Nor", "Xor", "Xnor"};
-    std::size_t events = 0;
-    std::uint64_t actions = 0;
-    std::uint64_t evaluations = 0;
-    std::size_t entries = 0;
-    std::size_t history_bytes = 0;
-    std::size_t kept = 0;
-    std::size_t kept_bytes = 0;
+    RunFigures figures;
     for (auto _ : state) {
         state.PauseTiming();
         auto network = std::make_unique<Network>();
@@ -443,25 +453,11 @@ void BM_GateMesh(benchmark::State& state)
         state.ResumeTiming();
         simulator()->simulate(end_time + 1);
         state.PauseTiming();
-        events = network->net_changes();
-        entries = network->history_entries();
-        history_bytes = HistoryRecords::bytes_in_use();
-        kept = simulator()->nof_actions_kept();
-        kept_bytes = simulator()->bytes_of_actions_kept();
-        actions = simulator()->nof_actions_run();
-        evaluations = simulator()->nof_evaluations_run();
+        figures.collect(*network);
         network.reset();
         state.ResumeTiming();
     }
-    state.counters["events"] = static_cast<double>(events);
-    state.counters["actions"] = static_cast<double>(actions);
-    state.counters["evaluations"] = static_cast<double>(evaluations);
-    // Pages of all histories against the entries of nets and ports; the chunks of kept actions
-    // against the actions kept.
-    state.counters["B_per_entry"] = static_cast<double>(history_bytes) / static_cast<double>(entries);
-    state.counters["B_per_kept_action"] = static_cast<double>(kept_bytes) / static_cast<double>(kept);
-    state.counters["events_per_s"] =
-        benchmark::Counter(static_cast<double>(events), benchmark::Counter::kIsIterationInvariantRate);
+    figures.report(state);
 }
 BENCHMARK(BM_GateMesh)->Args({1000, 100000})->Args({10000, 20000})->Unit(benchmark::kMillisecond);
 
