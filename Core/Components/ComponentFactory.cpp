@@ -6,6 +6,8 @@
 #include "Core/Components/Component.h"
 #include "Core/Components/FlipFlop.h"
 #include "Core/Components/Gates.h"
+#include "Core/Components/HM62256B.h"
+#include "Core/Components/MC27C64.h"
 #include "Core/Components/Sources.h"
 #include "Core/Support/Error.h"
 #include "Core/Support/StringUtils.h"
@@ -82,8 +84,8 @@ constexpr ComponentType components[] = {
     // 74x688
     // 74AS867
     // ATF22V10C
-    // HM62256B
-    // 27C64
+    row<HM62256B>(),  // HM62256B
+    row<MC27C64>(),   // 27C64
     // IDT7132LA
     // MOS6502
     // W65C02
