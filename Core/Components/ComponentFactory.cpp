@@ -3,6 +3,8 @@
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/Buffers.h"
 #include "Core/Components/BusAdapters.h"
+#include "Core/Components/Chips74Decoders.h"
+#include "Core/Components/Chips74Gates.h"
 #include "Core/Components/Component.h"
 #include "Core/Components/FlipFlop.h"
 #include "Core/Components/Gates.h"
@@ -64,24 +66,24 @@ constexpr ComponentType components[] = {
     row<Split>(),          // Split
     row<Splice>(),         // Splice
     row<Const>(),          // Const
-    // 74LS00
-    // 74LS04
-    // 74LS08
-    // 74LS32
+    row<DM74LS00>(),  // 74LS00
+    row<DM74LS04>(),  // 74LS04
+    row<DM74LS08>(),  // 74LS08
+    row<DM74LS32>(),  // 74LS32
     // 74x74
     // 74LS78A
-    // 74LS125
-    // 74LS137
-    // 74LS139
-    // 74LS154
+    row<DM74LS125>(),  // 74LS125
+    row<DM74LS137>(),  // 74LS137
+    row<DM74LS139>(),  // 74LS139
+    row<DM74LS154>(),  // 74LS154
     // 74x174
     // 74LS191
-    // 74LS244
+    row<DM74LS244>(),  // 74LS244
     // 74x273
-    // 74LS283
+    row<DM74LS283>(),  // 74LS283
     // 74LS374
     // 74x574
-    // 74x688
+    row<SN74x688>(),  // 74x688
     // 74AS867
     // ATF22V10C
     row<HM62256B>(),  // HM62256B
