@@ -4,8 +4,10 @@
 #include "Core/Components/Buffers.h"
 #include "Core/Components/BusAdapters.h"
 #include "Core/Components/Component.h"
+#include "Core/Components/DM74LS191.h"
 #include "Core/Components/FlipFlop.h"
 #include "Core/Components/Gates.h"
+#include "Core/Components/SN74AS867.h"
 #include "Core/Components/Sources.h"
 #include "Core/Support/Error.h"
 #include "Core/Support/StringUtils.h"
@@ -73,14 +75,14 @@ constexpr ComponentType components[] = {
     // 74LS139
     // 74LS154
     // 74x174
-    // 74LS191
+    row<DM74LS191>(),  // 74LS191
     // 74LS244
     // 74x273
     // 74LS283
     // 74LS374
     // 74x574
     // 74x688
-    // 74AS867
+    row<SN74AS867>(),  // 74AS867
     // ATF22V10C
     // HM62256B
     // 27C64
