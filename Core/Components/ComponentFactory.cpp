@@ -6,10 +6,12 @@
 #include "Core/Components/Chips74Decoders.h"
 #include "Core/Components/Chips74Gates.h"
 #include "Core/Components/Component.h"
+#include "Core/Components/DM74LS191.h"
 #include "Core/Components/FlipFlop.h"
 #include "Core/Components/Gates.h"
 #include "Core/Components/HM62256B.h"
 #include "Core/Components/MC27C64.h"
+#include "Core/Components/SN74AS867.h"
 #include "Core/Components/Sources.h"
 #include "Core/Support/Error.h"
 #include "Core/Support/StringUtils.h"
@@ -77,14 +79,14 @@ constexpr ComponentType components[] = {
     row<DM74LS139>(),  // 74LS139
     row<DM74LS154>(),  // 74LS154
     // 74x174
-    // 74LS191
+    row<DM74LS191>(),  // 74LS191
     row<DM74LS244>(),  // 74LS244
     // 74x273
     row<DM74LS283>(),  // 74LS283
     // 74LS374
     // 74x574
     row<SN74x688>(),  // 74x688
-    // 74AS867
+    row<SN74AS867>(),  // 74AS867
     // ATF22V10C
     row<HM62256B>(),  // HM62256B
     row<MC27C64>(),   // 27C64
