@@ -3,6 +3,8 @@
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/Buffers.h"
 #include "Core/Components/BusAdapters.h"
+#include "Core/Components/Chips74FlipFlops.h"
+#include "Core/Components/Chips74Registers.h"
 #include "Core/Components/Component.h"
 #include "Core/Components/FlipFlop.h"
 #include "Core/Components/Gates.h"
@@ -66,19 +68,19 @@ constexpr ComponentType components[] = {
     // 74LS04
     // 74LS08
     // 74LS32
-    // 74x74
-    // 74LS78A
+    row<SN74x74>(),  // 74x74
+    row<DM74LS78A>(),  // 74LS78A
     // 74LS125
     // 74LS137
     // 74LS139
     // 74LS154
-    // 74x174
+    row<SN74x174>(),  // 74x174
     // 74LS191
     // 74LS244
-    // 74x273
+    row<SN74x273>(),  // 74x273
     // 74LS283
-    // 74LS374
-    // 74x574
+    row<DM74LS374>(),  // 74LS374
+    row<DM74x574>(),  // 74x574
     // 74x688
     // 74AS867
     // ATF22V10C
