@@ -4,7 +4,9 @@
 #include "Core/Components/Buffers.h"
 #include "Core/Components/BusAdapters.h"
 #include "Core/Components/Chips74Decoders.h"
+#include "Core/Components/Chips74FlipFlops.h"
 #include "Core/Components/Chips74Gates.h"
+#include "Core/Components/Chips74Registers.h"
 #include "Core/Components/Component.h"
 #include "Core/Components/DM74LS191.h"
 #include "Core/Components/FlipFlop.h"
@@ -72,19 +74,19 @@ constexpr ComponentType components[] = {
     row<DM74LS04>(),  // 74LS04
     row<DM74LS08>(),  // 74LS08
     row<DM74LS32>(),  // 74LS32
-    // 74x74
-    // 74LS78A
+    row<SN74x74>(),  // 74x74
+    row<DM74LS78A>(),  // 74LS78A
     row<DM74LS125>(),  // 74LS125
     row<DM74LS137>(),  // 74LS137
     row<DM74LS139>(),  // 74LS139
     row<DM74LS154>(),  // 74LS154
-    // 74x174
+    row<SN74x174>(),  // 74x174
     row<DM74LS191>(),  // 74LS191
     row<DM74LS244>(),  // 74LS244
-    // 74x273
+    row<SN74x273>(),  // 74x273
     row<DM74LS283>(),  // 74LS283
-    // 74LS374
-    // 74x574
+    row<DM74LS374>(),  // 74LS374
+    row<DM74x574>(),  // 74x574
     row<SN74x688>(),  // 74x688
     row<SN74AS867>(),  // 74AS867
     // ATF22V10C
