@@ -3,6 +3,7 @@
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/Buffers.h"
 #include "Core/Components/BusAdapters.h"
+#include "Core/Components/CPUs/MOS6502/MOS6502.h"
 #include "Core/Components/Component.h"
 #include "Core/Components/FlipFlop.h"
 #include "Core/Components/Gates.h"
@@ -85,7 +86,7 @@ constexpr ComponentType components[] = {
     // HM62256B
     // 27C64
     // IDT7132LA
-    // MOS6502
+    row<MOS6502>(),  // MOS6502
     // W65C02
 };
 

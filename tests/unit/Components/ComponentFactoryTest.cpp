@@ -17,7 +17,7 @@ TEST(ComponentFactoryTest, TableKeepsItsOrder)
         "High", "Low",        "PullUp",      "PullDown",      "Step",      "Delay",
         "Inv",  "And",        "Nand",        "Xor",           "Xnor",      "Or",
         "Nor",  "Oscillator", "D_flip_flop", "ThreeStateBuf", "BusBuffer", "Demux1to4",
-        "Join", "Split",      "Splice",      "Const",
+        "Join", "Split",      "Splice",      "Const",         "MOS6502",
     };
     EXPECT_EQ(ComponentFactory::type_names(), want);
 }
