@@ -3,6 +3,7 @@
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/Buffers.h"
 #include "Core/Components/BusAdapters.h"
+#include "Core/Components/CPUs/MOS6502/MOS6502.h"
 #include "Core/Components/Chips74Decoders.h"
 #include "Core/Components/Chips74FlipFlops.h"
 #include "Core/Components/Chips74Gates.h"
@@ -93,7 +94,7 @@ constexpr ComponentType components[] = {
     row<HM62256B>(),  // HM62256B
     row<MC27C64>(),   // 27C64
     // IDT7132LA
-    // MOS6502
+    row<MOS6502>(),  // MOS6502
     // W65C02
 };
 
