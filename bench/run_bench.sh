@@ -3,11 +3,14 @@
 # sizes through morvane_stats, one table row per case.
 #
 #   bench/run_bench.sh [--quick] [--no-micro] [--sizes "1000 10000"] [--kinds "chain mesh"]
-#                      [--times "10000 20000"] [--peer]
+#                      [--times "10000 20000"] [--board-times "20000000"] [--peer]
 #
 # --kinds "" skips the generated circuits. --times runs every kind and size at each of the given
 # simulated times instead of one chosen by size: rows of one size then show the cost growing with
 # time, rows of one time with N.
+#
+# --board-times runs the 6502 board of examples/board6502 (processor, RAM, EPROM, glue logic, a
+# 1 MHz clock) for each simulated time in ns; "" skips it.
 #
 # --peer also runs the yardstick circuits of ../shared/bench/gen.py (chain and mesh, N = 1000 and
 # 10000) through morvane beside the peer's script run_peer.sh, and prints the ratio of events/s.
@@ -23,6 +26,7 @@ quick=0
 micro=1
 peer=0
 times=""
+board_times="20000000"
 while [ $# -gt 0 ]; do
     case $1 in
     --quick) quick=1; sizes="1000 10000" ;;
@@ -30,6 +34,7 @@ while [ $# -gt 0 ]; do
     --sizes) sizes=$2; shift ;;
     --kinds) kinds=$2; shift ;;
     --times) times=$2; shift ;;
+    --board-times) board_times=$2; shift ;;
     --peer) peer=1 ;;
     *) echo "unknown option $1" >&2; exit 2 ;;
     esac
@@ -104,6 +109,29 @@ for kind in $kinds; do
         done
     done
 done
+
+if [ -n "$board_times" ]; then
+    echo
+    echo "## 6502 board (examples/board6502, 1 MHz clock)"
+    echo
+    echo "| T ns | clock cycles | load s | sim s | wall s | events | events/s (sim) | simulated cycles per wall s | peak RSS MB |"
+    echo "|---|---|---|---|---|---|---|---|---|"
+    for t in $board_times; do
+        dir="$work/board6502_T$t"
+        mkdir -p "$dir"
+        cp "$root/examples/board6502/board.ctc" "$dir/circuit.ctc"
+        printf 'time nc => leds\n0 L XX\n%d L XX\n' "$t" >"$dir/test.tv"
+        line=$(run_case "$dir")
+        if ! echo "$line" | grep -q STATS; then
+            echo "| $t | failed: $(echo "$line" | cut -c1-120) |"
+            continue
+        fi
+        awk -v t="$t" -v l="$(field "$line" load_s)" -v s="$(field "$line" sim_s)" -v w="$(field "$line" wall_s)" \
+            -v e="$(field "$line" events)" -v r="$(field "$line" time_maxrss_kb)" 'BEGIN {
+            printf "| %d | %d | %.2f | %.2f | %.2f | %d | %.2f M | %.0f k | %.0f |\n",
+                t, t / 1000, l, s, w, e, (s > 0 ? e / s / 1e6 : 0), (w > 0 ? t / 1000 / w / 1e3 : 0), r / 1024 }'
+    done
+fi
 
 [ $peer = 1 ] || exit 0
 
