@@ -179,7 +179,7 @@ void Net::compute_value(int time, Value& out)
 {
     if (out.size() != size())
         out.set_size(size());
-    if (_compute_value_fast(time, out))
+    if (_compute_value_fast(time, out) || _compute_value_tied(time, out))
         return;
     for (unsigned bit = 0; bit < size(); ++bit)
         out[bit] = Morvane::letter(_compute_bit_value(bit, time));
@@ -302,13 +302,67 @@ bool Net::_compute_value_fast(int time, Value& out)
     return true;
 }
 
+bool Net::_compute_value_tied(int time, Value& out)
+{
+    // Without pin specs the bit-by-bit walk visits the same nets in the same order for every bit, so
+    // one walk that reads whole values gives the same counts; the only error it can meet, too many
+    // drivers, reads the same whichever bit reaches it first.
+    constexpr std::size_t max_group = 16;  // nets of a group handled here; larger ones walk bit by bit
+    Net* group[max_group];
+    std::size_t nof_nets = 0;
+    unsigned width = size();
+    auto in_group = [&](const Net* net) {
+        return std::find(group, group + nof_nets, net) != group + nof_nets;
+    };
+    group[nof_nets++] = this;
+    for (std::size_t n = 0; n < nof_nets; ++n) {
+        Net* net = group[n];
+        if (!net->_pin_specs.empty() || net->size() != width)
+            return false;
+        for (Port* port : net->_ports) {
+            if (port->dir() != Inout)
+                continue;
+            Net* other = net->_get_net_of_other_side(port);
+            if (other == nullptr || in_group(other))
+                continue;
+            if (nof_nets == max_group)
+                return false;
+            group[nof_nets++] = other;
+        }
+    }
+    BitDrivers counts[256];
+    std::memset(counts, 0, width * sizeof(BitDrivers));
+    for (std::size_t n = 0; n < nof_nets; ++n) {
+        Net* net = group[n];
+        for (Port* port : net->_ports) {
+            if (!port->drives(net))
+                continue;
+            Value driven = port->value(time);
+            if (driven.size() != width)
+                return false;
+            const char* letters = driven.c_str();
+            for (unsigned bit = 0; bit < width; ++bit)
+                record_driver(counts[bit], letters[width - 1 - bit]);
+        }
+    }
+    for (unsigned bit = 0; bit < width; ++bit) {
+        const BitDrivers& c = counts[bit];
+        out[bit] =
+            Morvane::letter(resolve_drivers(c.all, c.highs, c.lows, c.tri_states, c.pull_ups, c.pull_downs));
+    }
+    return true;
+}
+
 void Net::update(int time, std::set<Net*> visited)
 {
     Value resolved(static_cast<int>(size()));
     // The fast path gives up on any inout port, so when it succeeds no net is tied to this one.
     bool tied = false;
     if (!_compute_value_fast(time, resolved)) {
-        compute_value(time, resolved);
+        if (!_compute_value_tied(time, resolved)) {
+            for (unsigned bit = 0; bit < size(); ++bit)
+                resolved[bit] = Morvane::letter(_compute_bit_value(bit, time));
+        }
         tied = std::any_of(_ports.begin(), _ports.end(), [](Port* p) { return p->dir() == Inout; });
     }
     ValueHistory::set(resolved, time);

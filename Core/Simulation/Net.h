@@ -88,6 +88,9 @@ private:
     /// All bits in one pass over the ports; false, having recorded nothing, where tied nets or pin
     /// specs need the bit-by-bit walk.
     bool _compute_value_fast(int time, Value& out);
+    /// All bits of a group of nets tied by inout ports, each driver read once; false, having
+    /// recorded nothing, where a net of the group has pin specs or another width.
+    bool _compute_value_tied(int time, Value& out);
 
     std::vector<Port*> _ports;                         // in order of attaching, both sides; not owned
     std::map<const Port*, const PinSpec*> _pin_specs;  // ports that cover only some bits: which ones
