@@ -12,6 +12,7 @@
 #include "Core/Components/FlipFlop.h"
 #include "Core/Components/Gates.h"
 #include "Core/Components/HM62256B.h"
+#include "Core/Components/IDT7132LA.h"
 #include "Core/Components/MC27C64.h"
 #include "Core/Components/SN74AS867.h"
 #include "Core/Components/Sources.h"
@@ -92,7 +93,7 @@ constexpr ComponentType components[] = {
     // ATF22V10C
     row<HM62256B>(),  // HM62256B
     row<MC27C64>(),   // 27C64
-    // IDT7132LA
+    row<IDT7132LA>(),  // IDT7132LA
     // MOS6502
     // W65C02
 };
