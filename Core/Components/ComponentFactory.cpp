@@ -13,6 +13,7 @@
 #include "Core/Components/FlipFlop.h"
 #include "Core/Components/Gates.h"
 #include "Core/Components/HM62256B.h"
+#include "Core/Components/IDT7132LA.h"
 #include "Core/Components/MC27C64.h"
 #include "Core/Components/SN74AS867.h"
 #include "Core/Components/Sources.h"
@@ -71,30 +72,30 @@ constexpr ComponentType components[] = {
     row<Split>(),          // Split
     row<Splice>(),         // Splice
     row<Const>(),          // Const
-    row<DM74LS00>(),  // 74LS00
-    row<DM74LS04>(),  // 74LS04
-    row<DM74LS08>(),  // 74LS08
-    row<DM74LS32>(),  // 74LS32
-    row<SN74x74>(),  // 74x74
-    row<DM74LS78A>(),  // 74LS78A
-    row<DM74LS125>(),  // 74LS125
-    row<DM74LS137>(),  // 74LS137
-    row<DM74LS139>(),  // 74LS139
-    row<DM74LS154>(),  // 74LS154
-    row<SN74x174>(),  // 74x174
-    row<DM74LS191>(),  // 74LS191
-    row<DM74LS244>(),  // 74LS244
-    row<SN74x273>(),  // 74x273
-    row<DM74LS283>(),  // 74LS283
-    row<DM74LS374>(),  // 74LS374
-    row<DM74x574>(),  // 74x574
-    row<SN74x688>(),  // 74x688
-    row<SN74AS867>(),  // 74AS867
+    row<DM74LS00>(),       // 74LS00
+    row<DM74LS04>(),       // 74LS04
+    row<DM74LS08>(),       // 74LS08
+    row<DM74LS32>(),       // 74LS32
+    row<SN74x74>(),        // 74x74
+    row<DM74LS78A>(),      // 74LS78A
+    row<DM74LS125>(),      // 74LS125
+    row<DM74LS137>(),      // 74LS137
+    row<DM74LS139>(),      // 74LS139
+    row<DM74LS154>(),      // 74LS154
+    row<SN74x174>(),       // 74x174
+    row<DM74LS191>(),      // 74LS191
+    row<DM74LS244>(),      // 74LS244
+    row<SN74x273>(),       // 74x273
+    row<DM74LS283>(),      // 74LS283
+    row<DM74LS374>(),      // 74LS374
+    row<DM74x574>(),       // 74x574
+    row<SN74x688>(),       // 74x688
+    row<SN74AS867>(),      // 74AS867
     // ATF22V10C
-    row<HM62256B>(),  // HM62256B
-    row<MC27C64>(),   // 27C64
-    // IDT7132LA
-    row<MOS6502>(),  // MOS6502
+    row<HM62256B>(),   // HM62256B
+    row<MC27C64>(),    // 27C64
+    row<IDT7132LA>(),  // IDT7132LA
+    row<MOS6502>(),    // MOS6502
     // W65C02
 };
 
