@@ -58,6 +58,13 @@ void InnerPartsChip::_set_delay_of_gates(int delay)
         part->set_delay(delay);
 }
 
+void InnerPartsChip::_take_pins(Component* part,
+                                std::initializer_list<std::pair<const char*, std::string>> names, int n)
+{
+    for (const auto& [inner, outer] : names)
+        add_pin_rename(part->pin(inner), outer + std::to_string(n));
+}
+
 // DM74LS00
 
 ParaMap DM74LS00::default_parameters()
@@ -85,12 +92,7 @@ void DM74LS00::_init()
 {
     for (int n = 1; n <= 4; ++n) {
         Nand* gate = _adopt(new Nand("", nand_delay));
-        Pin* a = gate->pin("a");
-        Pin* b = gate->pin("b");
-        Pin* out = gate->pin("out");
-        add_pin_rename(a, fmt("A%d", n));
-        add_pin_rename(b, fmt("B%d", n));
-        add_pin_rename(out, fmt("Y%d", n));
+        _take_pins(gate, {{"a", "A"}, {"b", "B"}, {"out", "Y"}}, n);
     }
 }
 
@@ -120,10 +122,7 @@ void DM74LS04::_init()
 {
     for (int n = 1; n <= 6; ++n) {
         Inv* gate = _adopt(new Inv("", inv_delay));
-        Pin* in = gate->pin("in");
-        Pin* out = gate->pin("out");
-        add_pin_rename(in, fmt("A%d", n));
-        add_pin_rename(out, fmt("Y%d", n));
+        _take_pins(gate, {{"in", "A"}, {"out", "Y"}}, n);
     }
 }
 
@@ -192,12 +191,7 @@ void DM74LS32::_init()
 {
     for (int n = 1; n <= 4; ++n) {
         Or* gate = _adopt(new Or("", or_delay));
-        Pin* a = gate->pin("a");
-        Pin* b = gate->pin("b");
-        Pin* out = gate->pin("out");
-        add_pin_rename(a, fmt("A%d", n));
-        add_pin_rename(b, fmt("B%d", n));
-        add_pin_rename(out, fmt("Y%d", n));
+        _take_pins(gate, {{"a", "A"}, {"b", "B"}, {"out", "Y"}}, n);
     }
 }
 
@@ -227,12 +221,7 @@ void DM74LS125::_init()
 {
     for (int n = 1; n <= 4; ++n) {
         ThreeStateBuf* buffer = _adopt(new ThreeStateBuf("", buffer_delay));
-        Pin* in = buffer->pin("in");
-        Pin* g = buffer->pin("_g");
-        Pin* out = buffer->pin("out");
-        add_pin_rename(in, fmt("A%d", n));
-        add_pin_rename(g, fmt("C%d", n));
-        add_pin_rename(out, fmt("Y%d", n));
+        _take_pins(buffer, {{"in", "A"}, {"_g", "C"}, {"out", "Y"}}, n);
     }
 }
 

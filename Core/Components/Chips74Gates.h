@@ -25,8 +25,10 @@
 #include "Core/Components/Component.h"
 #include "Core/Components/ParaMap.h"
 
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// What the chips of inner parts share: the parts themselves, their evaluation in turn, and the
@@ -67,6 +69,9 @@ protected:
         return part;
     }
     void _set_delay_of_gates(int delay);
+    /// Hands the inner part's pins to the chip in the order given, each renamed to its chip prefix
+    /// followed by the unit number `n`.
+    void _take_pins(Component* part, std::initializer_list<std::pair<const char*, std::string>> names, int n);
 
 private:
     std::vector<std::unique_ptr<SingleDelayComponent>> _parts;  // inner parts, owned; they own the pins
