@@ -7,22 +7,6 @@
 using Morvane::Input;
 using Morvane::Output;
 
-namespace {
-
-const Value& released()
-{
-    static const Value z("ZZZZZZZZ");
-    return z;
-}
-
-const Value& undefined()
-{
-    static const Value u("UUUUUUUU");
-    return u;
-}
-
-}  // namespace
-
 ParaMap HM62256B::default_parameters()
 {
     static const std::map<std::string, std::string> HM62256B_default_params = {{"delay", "70"}};
@@ -105,11 +89,11 @@ void HM62256B::evaluate(int time)
     int ti = time - delay();
     Value cs = _cs->value(ti);
     if (cs == 'H') {
-        _dout->set(released(), time);
+        _dout->set(released_byte(), time);
         return;
     }
     if (cs != 'L') {
-        _dout->set(undefined(), time);
+        _dout->set(undefined_byte(), time);
         return;
     }
     Value we = _we->value(ti);
@@ -117,18 +101,18 @@ void HM62256B::evaluate(int time)
     bool oe_known = oe == 'H' || oe == 'L';
     if (we == 'H') {
         if (oe == 'H') {
-            _dout->set(released(), time);
+            _dout->set(released_byte(), time);
         } else if (oe == 'L') {
             Value a = _a->value(ti);
-            _dout->set(a.is_integer() ? _cells->at(a.integer()).value(ti) : undefined(), time);
+            _dout->set(a.is_integer() ? _cells->at(a.integer()).value(ti) : undefined_byte(), time);
         } else {
-            _dout->set(undefined(), time);
+            _dout->set(undefined_byte(), time);
         }
     } else if (we == 'L') {
-        _dout->set(oe_known ? released() : undefined(), time);
+        _dout->set(oe_known ? released_byte() : undefined_byte(), time);
         _write(ti, time);
     } else {
-        _dout->set(undefined(), time);
+        _dout->set(undefined_byte(), time);
     }
 }
 

@@ -1,25 +1,11 @@
 #include "Core/Components/MC27C64.h"
 
+#include "Core/Components/MemoryCells.h"
+
 #include <map>
 
 using Morvane::Input;
 using Morvane::Output;
-
-namespace {
-
-const Value& released()
-{
-    static const Value z("ZZZZZZZZ");
-    return z;
-}
-
-const Value& undefined()
-{
-    static const Value u("UUUUUUUU");
-    return u;
-}
-
-}  // namespace
 
 ParaMap MC27C64::default_parameters()
 {
@@ -100,20 +86,20 @@ void MC27C64::evaluate(int time)
     int ti = time - delay();
     Value cs = _cs->value(ti);
     if (cs == 'H') {
-        _d->set(released(), time);
+        _d->set(released_byte(), time);
         return;
     }
     if (cs != 'L') {
-        _d->set(undefined(), time);
+        _d->set(undefined_byte(), time);
         return;
     }
     Value oe = _oe->value(ti);
     if (oe == 'L') {
         Value a = _a->value(ti);
-        _d->set(a.is_integer() ? read(a.integer()) : undefined(), time);
+        _d->set(a.is_integer() ? read(a.integer()) : undefined_byte(), time);
     } else if (oe == 'H') {
-        _d->set(released(), time);
+        _d->set(released_byte(), time);
     } else {
-        _d->set(undefined(), time);
+        _d->set(undefined_byte(), time);
     }
 }

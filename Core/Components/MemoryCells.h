@@ -1,7 +1,9 @@
-// The words of a RAM, each with its own history, so that a read sees a word as it stood back then.
+// The words of a RAM, each with its own history, so that a read sees a word as it stood back then,
+// and the two fixed bytes the memories put on their data outputs.
 #ifndef MORVANE_CORE_COMPONENTS_MEMORYCELLS_H
 #define MORVANE_CORE_COMPONENTS_MEMORYCELLS_H
 
+#include "Core/Simulation/Value.h"
 #include "Core/Simulation/ValueHistory.h"
 
 #include <vector>
@@ -17,5 +19,17 @@ public:
 /// A RAM's row of words, made whole at once. Reach them with at(), whose out_of_range an address past
 /// the end raises.
 using ByteCells = std::vector<ByteCell>;
+
+/// What a memory's data outputs show when released, and when their state is not known; made once.
+inline const Value& released_byte()
+{
+    static const Value z("ZZZZZZZZ");
+    return z;
+}
+inline const Value& undefined_byte()
+{
+    static const Value u("UUUUUUUU");
+    return u;
+}
 
 #endif  // MORVANE_CORE_COMPONENTS_MEMORYCELLS_H
