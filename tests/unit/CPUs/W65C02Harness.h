@@ -1,106 +1,29 @@
-// A bare 65C02 core on 64 KiB of RAM: the caller's side of the pin word, for the core's tests.
+// A bare 65C02 core on 64 KiB of RAM, for the core's tests.
 #ifndef MORVANE_TESTS_UNIT_CPUS_W65C02HARNESS_H
 #define MORVANE_TESTS_UNIT_CPUS_W65C02HARNESS_H
+
+#include "tests/unit/CPUs/CpuHarness.h"
 
 #include "Core/Components/CPUs/W65C02/w65c02.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <initializer_list>
-#include <string>
-#include <vector>
 
-class W65C02Harness
+/// The 65C02 core's names, as the harness calls them.
+struct W65C02Core
 {
-public:
-    explicit W65C02Harness(bool bcd_disabled = false) : _mem(0x10000, 0)
-    {
-        _desc.bcd_disabled = bcd_disabled;
-    }
-
-    w65c02_t cpu{};   // the core under test
-    uint64_t pins{};  // pin word between ticks, inputs included
-
-    uint8_t& mem(uint16_t addr) { return _mem[addr]; }
-    std::vector<uint8_t>& memory() { return _mem; }
-
-    void load(uint16_t addr, std::initializer_list<uint8_t> bytes)
-    {
-        for (uint8_t b : bytes) {
-            _mem[addr++] = b;
-        }
-    }
-
-    /// Runs init and the seven reset ticks; the next tick fetches the opcode at `start`.
-    void reset_to(uint16_t start)
-    {
-        _mem[0xFFFC] = static_cast<uint8_t>(start);
-        _mem[0xFFFD] = static_cast<uint8_t>(start >> 8);
-        pins = w65c02_init(&cpu, &_desc);
-        serve();
-        for (int i = 0; i < 7; i++) {
-            tick();
-        }
-    }
-
-    /// Puts a fetch at `addr` on the pins, with pc to match, as if a jump had just ended there.
-    void start_at(uint16_t addr)
-    {
-        w65c02_set_pc(&cpu, addr);
-        pins = w65c02_set_addr(pins, addr) | w65c02_pin_sync | w65c02_pin_rw;
-        serve();
-    }
-
-    /// One tick, then the memory access it asks for.
-    uint64_t tick()
-    {
-        pins = w65c02_tick(&cpu, pins);
-        serve();
-        return pins;
-    }
-
-    void set_input(uint64_t mask, bool on) { pins = on ? (pins | mask) : (pins & ~mask); }
-
-    /// The bus cycle on the pins: F fetch, R read, W write with its data, e.g. "W01FD=04".
-    std::string cycle() const
-    {
-        char text[16];
-        const uint16_t addr = w65c02_get_addr(pins);
-        if (!(pins & w65c02_pin_rw)) {
-            std::snprintf(text, sizeof text, "W%04X=%02X", addr, w65c02_get_data(pins));
-        } else {
-            std::snprintf(text, sizeof text, "%c%04X", (pins & w65c02_pin_sync) ? 'F' : 'R', addr);
-        }
-        return text;
-    }
-
-    /// The cycles of one instruction: its fetch, each tick up to and including the next fetch.
-    std::string run_instruction(int max_ticks = 16)
-    {
-        std::string trace = cycle();
-        for (int i = 0; i < max_ticks; i++) {
-            tick();
-            trace += " " + cycle();
-            if (pins & w65c02_pin_sync) {
-                break;
-            }
-        }
-        return trace;
-    }
-
-private:
-    void serve()
-    {
-        const uint16_t addr = w65c02_get_addr(pins);
-        if (pins & w65c02_pin_rw) {
-            pins = w65c02_set_data(pins, _mem[addr]);
-        } else {
-            _mem[addr] = w65c02_get_data(pins);
-        }
-    }
-
-    w65c02_desc_t _desc{};      // handed to w65c02_init
-    std::vector<uint8_t> _mem;  // 64 KiB, the whole address space
+    using cpu_t = w65c02_t;
+    using desc_t = w65c02_desc_t;
+    static constexpr uint64_t pin_rw = w65c02_pin_rw;
+    static constexpr uint64_t pin_sync = w65c02_pin_sync;
+    static uint64_t init(cpu_t* c, const desc_t* d) { return w65c02_init(c, d); }
+    static uint64_t tick(cpu_t* c, uint64_t pins) { return w65c02_tick(c, pins); }
+    static void set_pc(cpu_t* c, uint16_t pc) { w65c02_set_pc(c, pc); }
+    static uint16_t get_addr(uint64_t pins) { return w65c02_get_addr(pins); }
+    static uint64_t set_addr(uint64_t pins, uint16_t addr) { return w65c02_set_addr(pins, addr); }
+    static uint8_t get_data(uint64_t pins) { return w65c02_get_data(pins); }
+    static uint64_t set_data(uint64_t pins, uint8_t data) { return w65c02_set_data(pins, data); }
 };
+
+using W65C02Harness = CpuHarness<W65C02Core>;
 
 #endif  // MORVANE_TESTS_UNIT_CPUS_W65C02HARNESS_H
