@@ -173,6 +173,14 @@ void CircuitVerifier::check_circuit()
     _circuit->check_connections();
 }
 
+void CircuitVerifier::set_single_run(const std::string& pins, const std::string& nets)
+{
+    _single_run = true;
+    _read_pins = pins;
+    _read_nets = nets;
+    simulator()->set_keep_finished_slots(false);
+}
+
 void CircuitVerifier::simulate()
 {
     set_component_options_from_test_sequence();

@@ -90,6 +90,7 @@ void run_simulation(const Options& options)
         verifier->circuit()->set_simlog(sim_log.get());
         if (options.check_connections)
             verifier->check_circuit();
+        verifier->set_single_run(options.pins, options.nets);
         verifier->simulate();
         if (!options.silent || options.force_print)
             verifier->print(options.print_time_step, options.pins, options.nets, options.hex);
@@ -108,6 +109,7 @@ int run_verification(const Options& options)
         verifier->circuit()->set_simlog(sim_log.get());
         if (options.check_connections)
             verifier->check_circuit();
+        verifier->set_single_run(options.pins, options.nets);
         if (verifier->verify()) {
             printf("All tests passed.\n");
             result = 0;

@@ -89,6 +89,7 @@ int main(int argc, char** argv)
     try {
         auto start = std::chrono::steady_clock::now();
         CliCircuitVerifier verifier(argv[1], argv[2], 0);
+        verifier.set_single_run("", "");
         double load_s = seconds_since(start);
         long loaded_kb = resident_kb();
         std::size_t loaded_history_bytes = HistoryRecords::bytes_in_use();

@@ -103,9 +103,11 @@ void EventSimulator::simulate(int end_time)
     if (_stop_variable != nullptr)
         *_stop_variable = false;
 
-    // Slots stay in the map once run, so a second call starts from the first again. The map may
-    // grow behind the running slot; map iterators survive that.
-    for (_current = _actions.begin(); _current != _actions.end(); ++_current) {
+    // Slots stay in the map once run, so a second call starts from the first again; unless the
+    // caller gave up replay, when each goes as soon as it has run. The map may grow behind the
+    // running slot; map iterators survive that.
+    _current = _actions.begin();
+    while (_current != _actions.end()) {
         _time = _current->first;
         if (_time > end_time)
             return;
@@ -113,7 +115,21 @@ void EventSimulator::simulate(int end_time)
             return;
         _run_actions(_current->second);
         _run_same_time_actions();
+        if (_keep_finished_slots)
+            ++_current;
+        else
+            _drop_current_slot();
     }
+}
+
+void EventSimulator::_drop_current_slot()
+{
+    auto done = _current++;
+    _kept.release(done->second.first());
+    CachedSlot& cached = _slot_cache[static_cast<unsigned>(done->first) & (slot_cache_size - 1)];
+    if (cached.time == done->first)
+        cached = CachedSlot{};
+    _actions.erase(done);
 }
 
 void EventSimulator::_run(const ActionStore& store, std::uint32_t id)
