@@ -43,7 +43,8 @@ public:
     void check_circuit();
     /// For a caller that runs once and afterwards reads only the test's columns and the ports and
     /// nets named here (comma lists, as -p and -n take them): the run then frees what it no longer
-    /// needs as it goes. Without this call everything is kept and a second run replays the first.
+    /// needs as it goes, finished time slots and all history that no part reads back any more.
+    /// Without this call everything is kept and a second run replays the first.
     void set_single_run(const std::string& pins, const std::string& nets);
     /// A run without comparison.
     void simulate();
@@ -57,6 +58,8 @@ public:
 
 private:
     void _init(Circuit* circuit, int time);
+    /// Windows for every history that a single run doesn't read afterwards.
+    void _window_histories_of_single_run();
     void _release();
     void _build_driver_pin_list();
     void _put_driver_into_list(const std::string& name);

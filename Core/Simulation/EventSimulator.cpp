@@ -4,6 +4,7 @@
 #include "Core/Components/Component.h"
 #include "Core/Simulation/Net.h"
 #include "Core/Simulation/Port.h"
+#include "Core/Simulation/ValueHistory.h"
 #include "Core/Support/Error.h"
 #include "Core/Support/TLog.h"
 
@@ -55,12 +56,15 @@ void EventSimulator::_register()
         throw Error("Simulator already created!\n");
     instance = this;
     _current = _actions.end();
+    ValueHistory::set_present(&_time);
 }
 
 EventSimulator::~EventSimulator()
 {
-    if (instance == this)
+    if (instance == this) {
         instance = nullptr;
+        ValueHistory::set_present(nullptr);
+    }
 }
 
 EventSimulator* EventSimulator::get_instance(Circuit& circuit)

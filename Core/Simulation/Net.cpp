@@ -17,6 +17,8 @@ using Morvane::IntExtQual;
 using Morvane::Output;
 using Morvane::Outside;
 
+std::uint64_t Net::_nof_recorded_updates = 0;
+
 Net::Net(int width) : Net("", width) {}
 
 Net::Net(const std::string& name, int width) : BaseObject(name), ValueHistory(static_cast<unsigned>(width)) {}
@@ -365,7 +367,13 @@ void Net::update(int time, std::set<Net*> visited)
         }
         tied = std::any_of(_ports.begin(), _ports.end(), [](Port* p) { return p->dir() == Inout; });
     }
-    ValueHistory::set(resolved, time);
+    // A window keeps no repeated value, and the inputs that listen hold it already. Outputs behind
+    // the net (a sub-circuit's) still hear it: each passes it on to a net outside, as it always did.
+    bool repeated = window() != full_history && _repeats_last(resolved, time);
+    if (!repeated) {
+        ++_nof_recorded_updates;
+        ValueHistory::set(resolved, time);
+    }
 
     if (tied) {
         visited.insert(this);
@@ -382,7 +390,8 @@ void Net::update(int time, std::set<Net*> visited)
         }
         Port* port = _ports[i];
         Morvane::Dir dir = port->dir();
-        if ((dir == Input && port->net(Outside) == this) || (dir == Output && port->net(Inside) == this))
+        if ((dir == Input && !repeated && port->net(Outside) == this) ||
+            (dir == Output && port->net(Inside) == this))
             port->set(resolved, time);
     }
 }

@@ -8,6 +8,7 @@
 #include "Core/Simulation/PinSpec.h"
 #include "Core/Simulation/ValueHistory.h"
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <set>
@@ -71,6 +72,9 @@ public:
     void update(int time, std::set<Net*> visited);
 
     void print() const;
+    /// Updates of any net that recorded a value, since the process began: with windows, which record
+    /// only changes, a count of events that stays when the entries are forgotten.
+    static std::uint64_t nof_recorded_updates() { return _nof_recorded_updates; }
 
     void _add(Morvane::IntExtQual q, Port* port);
     void _check_size(Port* port);
@@ -96,6 +100,8 @@ private:
     std::map<const Port*, const PinSpec*> _pin_specs;  // ports that cover only some bits: which ones
     std::set<PinSpec*> _owned_pin_specs;               // specs this net made and frees
     std::function<void(Net*)> _destruction_callback;   // told when the net dies; may be empty
+
+    static std::uint64_t _nof_recorded_updates;  // by all nets, see nof_recorded_updates
 };
 
 /// Owns the nets it makes.

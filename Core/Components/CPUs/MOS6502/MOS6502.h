@@ -64,6 +64,8 @@ public:
     void port_changed_value(Port* port, const Value& old_value, const Value& new_value, int time) override;
     /// Reads the four times; a missing key keeps the time as it was.
     void update_after_param_change() override;
+    /// A clock flank looks one ns back; everything else is read at the present.
+    int history_reach() const override { return 1; }
 
     /// The status register of the core.
     uint8_t sr() const { return m6502_p(&_core); }
