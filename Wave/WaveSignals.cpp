@@ -13,14 +13,14 @@ namespace {
 class Selection
 {
 public:
-    void add(const std::vector<std::string>& scope, const Port* port) { _add(scope, port->name(), port); }
+    void add(const std::vector<std::string>& scope, const Port* port) { _add(scope, "", port->name(), port); }
     void add(const std::vector<std::string>& scope, const Net* net)
     {
         // The table titles nets this way; here only where a port of the scope has the name.
         bool taken = std::any_of(_signals.begin(), _signals.end(), [&](const WaveSignal& s) {
             return s.scope == scope && s.name == net->name();
         });
-        _add(scope, taken ? "#" + net->name() : net->name(), net);
+        _add(scope, taken ? "#" : "", net->name(), net);
     }
     /// All ports of a part, and all nets of a sub-circuit.
     void add_all(const std::vector<std::string>& scope, Component* component)
@@ -35,7 +35,8 @@ public:
     std::vector<WaveSignal> take() { return std::move(_signals); }
 
 private:
-    void _add(const std::vector<std::string>& scope, const std::string& name, const ValueHistory* history)
+    void _add(const std::vector<std::string>& scope, const std::string& mark, const std::string& name,
+              const ValueHistory* history)
     {
         // A net no port ever sized carries nothing to show.
         bool known = std::any_of(_signals.begin(), _signals.end(),
@@ -45,7 +46,7 @@ private:
         std::string path;
         for (const std::string& element : scope)
             path += element + ".";
-        _signals.push_back(WaveSignal{scope, name, path + name, history});
+        _signals.push_back(WaveSignal{scope, mark + name, mark + path + name, history});
     }
 
     std::vector<WaveSignal> _signals;  // in order of selection

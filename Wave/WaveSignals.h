@@ -13,7 +13,7 @@ struct WaveSignal
 {
     std::vector<std::string> scope;  // instance names below the root, outermost first
     std::string name;                // within its scope; a net that shares a port's name gets "#" before it
-    std::string path;                // dotted path from the root, as a label
+    std::string path;                // dotted path from the root as a label, with the name's "#" in front
     const ValueHistory* history;     // not owned
 };
 

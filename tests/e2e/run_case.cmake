@@ -1,5 +1,5 @@
-# Runs morvane in one case folder and compares standard output, exit status and, where the case
-# pins it, standard error with the expected files.
+# Runs morvane or morvane-wave (PROGRAM) in one case folder and compares standard output, exit
+# status and, where the case pins it, standard error with the expected files.
 file(READ ${CASE_DIR}/cmd cmd_text)
 string(STRIP "${cmd_text}" cmd_text)
 separate_arguments(cmd_args UNIX_COMMAND "${cmd_text}")
@@ -10,8 +10,8 @@ execute_process(COMMAND ${MORVANE} ${cmd_args}
     ERROR_VARIABLE actual_err
     RESULT_VARIABLE actual_rc)
 
-# getopt names the program by its path; the goldens call it morvane.
-string(REPLACE "${MORVANE}" "morvane" actual_err "${actual_err}")
+# getopt names the program by its path; the goldens by its name.
+string(REPLACE "${MORVANE}" "${PROGRAM}" actual_err "${actual_err}")
 
 set(failed FALSE)
 if(actual_err MATCHES "runtime error:|Sanitizer")
