@@ -11,6 +11,7 @@ namespace {
 
 constexpr long interval_us = 250000;
 volatile sig_atomic_t end_of_run = 0;  // ns, for the handler
+volatile sig_atomic_t line_shown = 0;  // the handler wrote a line that stop() erases
 
 std::size_t append(char* buffer, std::size_t size, std::size_t at, const char* text)
 {
@@ -41,6 +42,7 @@ void on_timer(int)
     std::size_t length = Progress::format(line, sizeof line, engine->time(), end_of_run);
     ssize_t ignored = write(STDERR_FILENO, line, length);
     (void)ignored;
+    line_shown = 1;
 }
 
 void arm(long microseconds)
@@ -91,6 +93,9 @@ void Progress::stop()
     arm(0);
     signal(SIGALRM, SIG_DFL);
     _running = false;
-    ssize_t ignored = write(STDERR_FILENO, "\r\033[K", 4);
-    (void)ignored;
+    if (line_shown) {
+        ssize_t ignored = write(STDERR_FILENO, "\r\033[K", 4);
+        (void)ignored;
+        line_shown = 0;
+    }
 }
