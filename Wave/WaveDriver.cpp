@@ -137,7 +137,7 @@ int run_wave(const WaveOptions& options)
         int end_time = verifier.simulation_time() + 1;
         signals = select_wave_signals(*verifier.circuit(), options.signals);
         const WaveWindow& window = options.window;
-        if (options.has_window && window.to > end_time)
+        if (!options.json_file.empty() && window.to > end_time)
             throw Error("Error: the window %d:%d:%d lies outside the run, which ends at %d ns.", window.from,
                         window.to, window.step, end_time);
         if (!options.vcd_file.empty())
