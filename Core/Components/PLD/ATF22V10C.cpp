@@ -189,22 +189,51 @@ void ATF22V10C::evaluate(int time)
 
 void ATF22V10C::evaluate_port(int time, Port* port)
 {
-    if (port->dir() == Morvane::Output) {
-        if (OLMC* own = olmc(port)) {
-            own->evaluate(time - delay(), time);
-            return;
-        }
+    const Route* found = _route(port);
+    // Trees not compiled here have no routes: they are walked as they are.
+    Route walked = found == nullptr ? _walk_route(port) : Route();
+    const Route& route = found != nullptr ? *found : walked;
+    if (route.own != nullptr) {
+        route.own->evaluate(time - delay(), time);
+        return;
     }
     // All read their inputs one delay back, so the order among them changes no value; it is kept
     // fixed because feedback reads write trace lines.
+    for (OLMC* o : route.readers)
+        o->evaluate(time - delay(), time);
+}
+
+const ATF22V10C::Route* ATF22V10C::_route(const Port* port) const
+{
+    for (const Route& r : _routes) {
+        if (r.port == port)
+            return &r;
+    }
+    return nullptr;
+}
+
+ATF22V10C::Route ATF22V10C::_walk_route(Port* port) const
+{
+    Route r;
+    r.port = port;
+    r.own = port->dir() == Morvane::Output ? olmc(port) : nullptr;
     for (RegisterOLMC* o : _register_olmcs) {
         if (o->depends_on(port))
-            o->evaluate(time - delay(), time);
+            r.readers.push_back(o);
     }
     for (CombinatorialOLMC* o : _combinatorial_olmcs) {
         if (o->depends_on(port))
-            o->evaluate(time - delay(), time);
+            r.readers.push_back(o);
     }
+    return r;
+}
+
+void ATF22V10C::_make_routes()
+{
+    // The trees are fixed from here on, so who reads a pin is worked out once.
+    _routes.clear();
+    for (Port* p : ports())
+        _routes.push_back(_walk_route(p));
 }
 
 void ATF22V10C::add_pin(Pin* pin)
@@ -350,14 +379,10 @@ void ATF22V10C::_check_clk_pin()
 void ATF22V10C::olmc_changed(OLMC* changed, int time)
 {
     Port* pin = changed->output_pin();
-    for (RegisterOLMC* o : _register_olmcs) {
-        if (o->depends_on(pin))
-            request_evaluation(time + delay(), this, o->output_pin());
-    }
-    for (CombinatorialOLMC* o : _combinatorial_olmcs) {
-        if (o->depends_on(pin))
-            request_evaluation(time + delay(), this, o->output_pin());
-    }
+    const Route* found = _route(pin);
+    Route walked = found == nullptr ? _walk_route(pin) : Route();
+    for (OLMC* o : (found != nullptr ? *found : walked).readers)
+        request_evaluation(time + delay(), this, o->output_pin());
 }
 
 void ATF22V10C::set_hdl_src(const std::string& src)
@@ -375,8 +400,10 @@ void ATF22V10C::set_hdl_src_and_params(const std::string& src)
 void ATF22V10C::_compile()
 {
     _clk = nullptr;
+    _routes.clear();
     PalAsmCompiler(this).compile(_hdl_src);
     _program_compiled = true;
+    _make_routes();
 }
 
 void ATF22V10C::compile_hdl_program()
@@ -433,6 +460,7 @@ void ATF22V10C::delete_resources()
     _pins.clear();
     _ar_expression = nullptr;
     _sp_expression = nullptr;
+    _routes.clear();
 }
 
 std::string ATF22V10C::_decode_hdl_string(const std::string& text)

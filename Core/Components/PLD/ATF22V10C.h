@@ -102,6 +102,19 @@ public:
     static std::string _encode_hdl_string(const std::string& text);
 
 private:
+    /// Who hears of a pin's change: its own macrocell for an output, else the macrocells whose
+    /// trees read it, registers first.
+    struct Route
+    {
+        const Port* port = nullptr;
+        OLMC* own = nullptr;
+        std::vector<OLMC*> readers;
+    };
+
+    /// Null where no route was made.
+    const Route* _route(const Port* port) const;
+    Route _walk_route(Port* port) const;
+    void _make_routes();
     void _update_program();
     void _ensure_compiled_hdl_program();
     void _compile();
@@ -121,6 +134,7 @@ private:
     PldProgram _program;                                         // the text parts of the source
     bool _program_compiled = false;                              // the macrocells match _hdl_src
     bool _program_from_unit = false;  // the Unit line gave "program": no file is looked for
+    std::vector<Route> _routes;       // of every port, made once a compilation succeeded
 };
 
 #endif  // MORVANE_CORE_COMPONENTS_PLD_ATF22V10C_H

@@ -51,6 +51,10 @@ TEST(PalAsmCompilerTest, MessagesWithTheirLines)
          "Error on line 4: 'VCC' is a reserved name for pin 24."},
         {"d\nn\nA1 A2 A3 A4 A5 A6 A7 A8 A9 B1 B2 NC\nNC NC NC NC NC NC NC NC NC NC NC NC\n", "no error"},
         {"d\nn\nA1 vcc\nQ1\n", "Error on line 3: 'VCC' is a reserved name for pin 24."},
+        // The order of the checks: VCC before GND, the clock before duplicates.
+        {"d\nn\nA1 A2 A3 A4 A5 A6 A7 A8 A9 B1 B2 GND\nNC NC NC NC NC NC NC NC NC NC NC GND\n",
+         "Error on line 4: 'VCC' is a reserved name for pin 24."},
+        {"d\nn\nClk Clk\nQ1\n", "Error on line 3: The clock must be on pin 1."},
         {"d\nn\nA1 B1\nQ1 B1\n", "Error on line 4: Duplicate pin: 'B1'."},
         {"d\nn\nA1 a1 /A1 NC NC\nQ1\n", "no error"},
         // Left sides.
