@@ -108,21 +108,29 @@ int run_circuit(const Options& options, const RunHooks& hooks)
     return failures;
 }
 
-void run_simulation(const Options& options)
+bool run_reporting_errors(const std::function<void()>& action)
 {
     try {
-        run_circuit(options);
+        action();
+        return true;
+    } catch (const ErrorWithPos& e) {
+        // Its text lives in the positioned part only; the plain one is empty.
+        printf("%s\n", e.pos_message().c_str());
     } catch (const Error& e) {
         printf("%s\n", e.message().c_str());
     }
+    return false;
+}
+
+void run_simulation(const Options& options)
+{
+    run_reporting_errors([&] { run_circuit(options); });
 }
 
 int run_verification(const Options& options)
 {
-    try {
-        return run_circuit(options);
-    } catch (const Error& e) {
-        printf("%s\n", e.message().c_str());
+    int failures = 0;
+    if (!run_reporting_errors([&] { failures = run_circuit(options); }))
         return 1;
-    }
+    return failures;
 }

@@ -38,6 +38,9 @@ struct RunHooks
 /// line, table. Errors pass through; returns the number of failed comparisons.
 int run_circuit(const Options& options, const RunHooks& hooks = {});
 
+/// Runs `action`; an Error it throws is printed on standard output, and the result is false.
+bool run_reporting_errors(const std::function<void()>& action);
+
 /// Simulates and prints; an Error is printed and the run still counts as done.
 void run_simulation(const Options& options);
 

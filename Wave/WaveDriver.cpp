@@ -126,47 +126,45 @@ void parse_wave_arguments(int argc, char** argv, WaveOptions* options)
 
 int run_wave(const WaveOptions& options)
 {
-    Progress progress;
-    std::vector<WaveSignal> signals;
-    std::unique_ptr<OutputFile> vcd;
-    std::unique_ptr<OutputFile> json;
-    std::string title = std::filesystem::path(options.run.ctc_file).stem().string();
+    int failures = 0;
+    bool done = run_reporting_errors([&] {
+        // Gone before an error is printed, so that the message doesn't share the progress line.
+        Progress progress;
+        std::vector<WaveSignal> signals;
+        std::unique_ptr<OutputFile> vcd;
+        std::unique_ptr<OutputFile> json;
+        std::string title = std::filesystem::path(options.run.ctc_file).stem().string();
 
-    RunHooks hooks;
-    hooks.before_run = [&](CircuitVerifier& verifier) {
-        int end_time = verifier.simulation_time() + 1;
-        signals = select_wave_signals(*verifier.circuit(), options.signals);
-        const WaveWindow& window = options.window;
-        if (!options.json_file.empty() && window.to > end_time)
-            throw Error("Error: the window %d:%d:%d lies outside the run, which ends at %d ns.", window.from,
-                        window.to, window.step, end_time);
-        if (!options.vcd_file.empty())
-            vcd = std::make_unique<OutputFile>(options.vcd_file);
-        if (!options.json_file.empty())
-            json = std::make_unique<OutputFile>(options.json_file);
-        verifier.set_run_listener([&progress, end_time](bool running) {
-            if (running)
-                progress.start(end_time);
-            else
-                progress.stop();
-        });
-    };
-    hooks.after_run = [&](CircuitVerifier&) {
-        if (vcd) {
-            write_vcd(vcd->stream(), title, signals, simulator()->max_time());
-            vcd->close();
-        }
-        if (json) {
-            write_wavejson(json->stream(), title, signals, options.window);
-            json->close();
-        }
-    };
-
-    try {
-        return run_circuit(options.run, hooks);
-    } catch (const Error& e) {
-        progress.stop();
-        printf("%s\n", e.message().c_str());
-        return 1;
-    }
+        RunHooks hooks;
+        hooks.before_run = [&](CircuitVerifier& verifier) {
+            int end_time = verifier.simulation_time() + 1;
+            signals = select_wave_signals(*verifier.circuit(), options.signals);
+            const WaveWindow& window = options.window;
+            if (!options.json_file.empty() && window.to > end_time)
+                throw Error("Error: the window %d:%d:%d lies outside the run, which ends at %d ns.",
+                            window.from, window.to, window.step, end_time);
+            if (!options.vcd_file.empty())
+                vcd = std::make_unique<OutputFile>(options.vcd_file);
+            if (!options.json_file.empty())
+                json = std::make_unique<OutputFile>(options.json_file);
+            verifier.set_run_listener([&progress, end_time](bool running) {
+                if (running)
+                    progress.start(end_time);
+                else
+                    progress.stop();
+            });
+        };
+        hooks.after_run = [&](CircuitVerifier&) {
+            if (vcd) {
+                write_vcd(vcd->stream(), title, signals, simulator()->max_time());
+                vcd->close();
+            }
+            if (json) {
+                write_wavejson(json->stream(), title, signals, options.window);
+                json->close();
+            }
+        };
+        failures = run_circuit(options.run, hooks);
+    });
+    return done ? failures : 1;
 }
