@@ -43,7 +43,7 @@ public:
     }
 
 private:
-    std::string _name;
+    std::string _name;                     // as the user gave it
     std::unique_ptr<std::ofstream> _file;  // null for standard output
 };
 
