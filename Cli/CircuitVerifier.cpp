@@ -222,7 +222,11 @@ void CircuitVerifier::simulate()
     // After the options: they may change the delays that the windows cover.
     if (_single_run)
         _window_histories_of_single_run();
+    if (_run_listener)
+        _run_listener(true);
     simulator()->simulate(_simulation_time + 1);
+    if (_run_listener)
+        _run_listener(false);
     restore_component_options_from_test_sequence();
 }
 

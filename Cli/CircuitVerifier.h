@@ -5,6 +5,7 @@
 #include "Core/Components/ParaMap.h"
 #include "Core/Simulation/Value.h"
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -48,6 +49,8 @@ public:
     void set_single_run(const std::string& pins, const std::string& nets);
     /// A run without comparison.
     void simulate();
+    /// Told `true` as the engine starts a run and `false` as it ends, for a display of progress.
+    void set_run_listener(std::function<void(bool running)> listener) { _run_listener = std::move(listener); }
     /// A run with comparison; true when nothing mismatched.
     bool verify();
     void print(int time_step, const std::string& pins, const std::string& nets, bool hex);
@@ -85,6 +88,7 @@ private:
     std::string _read_pins;                           // -p list of a single run
     std::string _read_nets;                           // -n list of a single run
     std::map<Component*, ParaMap> _saved_parameters;  // parameters to bring back after a run
+    std::function<void(bool)> _run_listener;          // may be empty
 };
 
 /// Prints each mismatch on standard output as it is found.
