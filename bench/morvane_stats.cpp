@@ -90,22 +90,24 @@ int main(int argc, char** argv)
         rusage usage{};
         getrusage(RUSAGE_SELF, &usage);
         std::uint64_t entries = tally.net_entries + tally.port_entries;
+        std::uint64_t events = Net::nof_recorded_updates();
         double history_bytes = static_cast<double>(HistoryRecords::bytes_in_use() - loaded_history_bytes);
         double grown_kb = static_cast<double>(usage.ru_maxrss - loaded_kb);
         std::printf(
             "STATS load_s=%.3f sim_s=%.3f end_time=%d events=%llu actions=%llu evaluations=%llu "
             "nets=%llu net_entries=%llu port_entries=%llu narrow_entries=%llu kept_actions=%zu "
-            "history_bytes_per_entry=%.1f rss_bytes_per_entry=%.1f loaded_kb=%ld maxrss_kb=%ld "
-            "events_per_s=%.0f\n",
-            load_s, sim_s, engine->max_time(), static_cast<unsigned long long>(Net::nof_recorded_updates()),
+            "history_bytes_per_entry=%.1f rss_bytes_per_entry=%.1f rss_bytes_per_event=%.1f loaded_kb=%ld "
+            "maxrss_kb=%ld events_per_s=%.0f\n",
+            load_s, sim_s, engine->max_time(), static_cast<unsigned long long>(events),
             static_cast<unsigned long long>(engine->nof_actions_run()),
             static_cast<unsigned long long>(engine->nof_evaluations_run()),
             static_cast<unsigned long long>(tally.nets), static_cast<unsigned long long>(tally.net_entries),
             static_cast<unsigned long long>(tally.port_entries),
             static_cast<unsigned long long>(tally.narrow_entries), engine->nof_actions_kept(),
             entries != 0 ? history_bytes / static_cast<double>(entries) : 0.0,
-            entries != 0 ? grown_kb * 1024.0 / static_cast<double>(entries) : 0.0, loaded_kb, usage.ru_maxrss,
-            sim_s > 0 ? static_cast<double>(Net::nof_recorded_updates()) / sim_s : 0.0);
+            entries != 0 ? grown_kb * 1024.0 / static_cast<double>(entries) : 0.0,
+            events != 0 ? grown_kb * 1024.0 / static_cast<double>(events) : 0.0, loaded_kb, usage.ru_maxrss,
+            sim_s > 0 ? static_cast<double>(events) / sim_s : 0.0);
     } catch (const Error& e) {
         std::printf("%s\n", e.message().c_str());
         return 1;

@@ -238,6 +238,11 @@ TEST(NetTest, InoutPortTiesTwoNetsIntoOneNode)
     std::set<Net*> connected;
     inner.collect_connected_nets(connected);
     EXPECT_EQ(connected, (std::set<Net*>{&outer, &inner}));
+
+    // Untied, the outer net hears its own pull alone: the group it knew is found again.
+    inner.remove(&tie);
+    outer.update(4, {});
+    EXPECT_STREQ(outer.value(4).c_str(), "H");
 }
 
 TEST(NetTest, RingOfTiedNetsEndsAndDiamondsRepeatHarmlessly)
