@@ -190,7 +190,8 @@ TEST(ValueHistoryTest, AWindowKeepsChangesOnlyAndTakesBackAChangeUndone)
     EXPECT_EQ(h.nof_values(), 3u);
     EXPECT_STREQ(h.value(7).c_str(), "HLHL");
     EXPECT_STREQ(h.value(9).c_str(), "UUUU");
-    EXPECT_EQ(recorder.heard.size(), 3u);
+    EXPECT_EQ(recorder.heard, (std::vector<std::string>{"0:uuuu>HLHL read uuuu", "7:HLHL>LLLL read HLHL",
+                                                        "7:LLLL>HLHL read LLLL", "8:HLHL>uuuu read HLHL"}));
 }
 
 TEST(ValueHistoryTest, AWindowForgetsWhatLiesBehindIt)
