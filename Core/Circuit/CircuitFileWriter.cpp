@@ -8,7 +8,6 @@
 #include "Core/Support/StringUtils.h"
 
 #include <algorithm>
-#include <cstdarg>
 #include <ctime>
 #include <filesystem>
 #include <limits>
@@ -67,17 +66,14 @@ void CircuitFileWriter::write_circuit(const std::string& filename, bool with_ban
     if (with_banner) {
         time_t now = time(nullptr);
         // ctime ends its text with the line feed of the second line.
-        _output("#\n# File generated at %s#\n\n", ctime(&now));
+        _output(std::string("#\n# File generated at ") + ctime(&now) + "#\n\n");
     }
     _save_body();
 }
 
-void CircuitFileWriter::_output(const char* format, ...)
+void CircuitFileWriter::_output(const std::string& text)
 {
-    va_list args;
-    va_start(args, format);
-    vfprintf(_file, format, args);
-    va_end(args);
+    fwrite(text.data(), 1, text.size(), _file);
 }
 
 void CircuitFileWriter::_output_indent()
@@ -86,13 +82,10 @@ void CircuitFileWriter::_output_indent()
         fputs("   ", _file);
 }
 
-void CircuitFileWriter::_output_line(const char* format, ...)
+void CircuitFileWriter::_output_line(const std::string& text)
 {
     _output_indent();
-    va_list args;
-    va_start(args, format);
-    vfprintf(_file, format, args);
-    va_end(args);
+    _output(text);
     fputc('\n', _file);
 }
 
@@ -104,7 +97,7 @@ void CircuitFileWriter::_output_empty_line()
 void CircuitFileWriter::_output_comment(const std::string& text)
 {
     for (const std::string& piece : split(text, '\n'))
-        _output_line("# %s", piece.c_str());
+        _output_line("# " + piece);
 }
 
 void CircuitFileWriter::_save_body()
@@ -131,7 +124,7 @@ void CircuitFileWriter::_save_meta_data()
 void CircuitFileWriter::_save_meta_data_lines(const std::string& key, const std::vector<std::string>& values)
 {
     for (const std::string& value : values)
-        _output_line("MetaData %s %s", key.c_str(), escape_string(value).c_str());
+        _output_line("MetaData " + key + " " + escape_string(value));
 }
 
 void CircuitFileWriter::_save_file_comments()
@@ -149,7 +142,7 @@ void CircuitFileWriter::_save_import_paths()
     for (const std::string& path : _circuit->import_paths()) {
         if (path == "./")
             continue;
-        _output_line("ImportPath \"%s\"", path.c_str());
+        _output_line("ImportPath \"" + path + "\"");
         written = true;
     }
     if (written)
@@ -174,7 +167,7 @@ void CircuitFileWriter::_save_circuit_declarations()
 
 void CircuitFileWriter::_output_local_declaration(const Circuit* declaration)
 {
-    _output_line("Circuit %s {", declaration->type_name().c_str());
+    _output_line("Circuit " + declaration->type_name() + " {");
     const Circuit* holder = _circuit;
     ++_indent;
     _circuit = declaration;
@@ -197,7 +190,7 @@ void CircuitFileWriter::_output_file_declaration(const Circuit* declaration)
         if (at != std::string::npos)
             name.erase(at, prefix.size());
     }
-    _output_line("Circuit %s \"%s\"", declaration->type_name().c_str(), name.c_str());
+    _output_line("Circuit " + declaration->type_name() + " \"" + name + "\"");
 }
 
 void CircuitFileWriter::_save_pins()
@@ -227,9 +220,9 @@ void CircuitFileWriter::_save_pin_line(Dir dir, const std::vector<std::string>& 
     if (names.empty())
         return;
     _output_indent();
-    _output("Pin %s", direction_name(dir));
+    _output(std::string("Pin ") + direction_name(dir));
     for (const std::string& name : names)
-        _output(" %s", name.c_str());
+        _output(" " + name);
     _output_empty_line();
 }
 
@@ -237,7 +230,7 @@ void CircuitFileWriter::_save_pin_line_with_comment(Dir dir, const std::vector<c
 {
     for (const Port* port : ports) {
         _output_comment(port->comment_text());
-        _output_line("Pin %s %s", direction_name(dir), port->name().c_str());
+        _output_line(std::string("Pin ") + direction_name(dir) + " " + port->name());
     }
 }
 
@@ -268,9 +261,9 @@ void CircuitFileWriter::_save_port_lines(Dir dir,
 {
     for (const auto& [size, names] : names_by_size) {
         _output_indent();
-        _output("Port %s %d", direction_name(dir), size);
+        _output(fmt("Port %s %d", direction_name(dir), size));
         for (const std::string& name : names)
-            _output(" %s", name.c_str());
+            _output(" " + name);
         _output_empty_line();
     }
 }
@@ -279,8 +272,7 @@ void CircuitFileWriter::_save_port_lines_with_comment(Dir dir, const std::vector
 {
     for (const Port* port : ports) {
         _output_comment(port->comment_text());
-        _output_line("Port %s %d %s", direction_name(dir), static_cast<int>(port->size()),
-                     port->name().c_str());
+        _output_line(fmt("Port %s %d ", direction_name(dir), static_cast<int>(port->size())) + port->name());
     }
 }
 
@@ -317,9 +309,9 @@ void CircuitFileWriter::_save_component_lines(const NamesByKey& names_by_type)
 {
     for (const auto& [type, names] : names_by_type) {
         _output_indent();
-        _output("Unit %s", type.c_str());
+        _output("Unit " + type);
         for (const std::string& name : names)
-            _output(" %s", name.c_str());
+            _output(" " + name);
         _output_empty_line();
     }
 }
@@ -328,7 +320,7 @@ void CircuitFileWriter::_save_component_lines_with_comment(const std::vector<con
 {
     for (const Component* component : components) {
         _output_comment(component->comment_text());
-        _output_line("Unit %s %s", component->type_name().c_str(), component->instance_spec().c_str());
+        _output_line("Unit " + component->type_name() + " " + component->instance_spec());
     }
 }
 
@@ -336,7 +328,7 @@ void CircuitFileWriter::_add_array_names_to_component_list(const std::map<std::s
                                                            NamesByKey& names_by_type)
 {
     for (const auto& [base, extent] : arrays)
-        names_by_type[extent.type].push_back(fmt("%s[%d]", base.c_str(), extent.highest + 1));
+        names_by_type[extent.type].push_back(base + "[" + std::to_string(extent.highest + 1) + "]");
 }
 
 bool CircuitFileWriter::_is_an_array_name(const std::string& name, std::string& base, int& index)
@@ -371,9 +363,9 @@ void CircuitFileWriter::_save_nets()
         if (!net->has_blank_comment())
             _output_comment(net->comment_text());
         _output_indent();
-        _output("Net %s", net->name().c_str());
+        _output("Net " + net->name());
         for (Port* port : net->ports())
-            _output(" %s", _circuit->find_port_path(port).c_str());
+            _output(" " + _circuit->find_port_path(port));
         _output_empty_line();
     }
     if (!nets.empty())

@@ -38,9 +38,10 @@ private:
     };
     using NamesByKey = std::map<std::string, std::vector<std::string>>;
 
-    [[gnu::format(printf, 2, 3)]] void _output(const char* format, ...);
+    // Texts go out byte for byte, a NUL among them included.
+    void _output(const std::string& text);
     void _output_indent();
-    [[gnu::format(printf, 2, 3)]] void _output_line(const char* format, ...);
+    void _output_line(const std::string& text);
     void _output_empty_line();
     void _output_comment(const std::string& text);
 

@@ -6,14 +6,16 @@
 #include "Core/TestSequence/TestSequence.h"
 
 #include <algorithm>
-#include <memory>
+#include <cstdio>
 
 namespace {
 
-struct FileCloser
+/// `text` right-aligned in `width` chars and a blank; a longer text pushes the rest to the right.
+std::string field(const std::string& text, int width)
 {
-    void operator()(FILE* file) const { fclose(file); }
-};
+    return std::string(static_cast<std::size_t>(std::max(0, width - static_cast<int>(text.size()))), ' ') +
+           text + " ";
+}
 
 }  // namespace
 
@@ -22,20 +24,24 @@ void TestSequenceFileWriter::write_sequence(TestSequence* sequence, const std::s
 {
     _sequence = sequence;
     _sequence->set_filename(filename);
-    std::unique_ptr<FILE, FileCloser> file(fopen(filename.c_str(), "w"));
-    if (!file)
+    FILE* file = fopen(filename.c_str(), "w");
+    if (file == nullptr)
         throw Error("File '%s' cannot be created.", filename.c_str());
-    _write_file_comment(file.get());
-    _write_component_options(file.get());
-    _write_static_port_assignments(file.get());
-    if (_sequence->header() == nullptr)
-        return;
-    _compute_field_widths();
-    _write_header(with_delta_time, file.get());
-    _write_test_vectors(with_delta_time, file.get());
+    // Built as a whole and written byte for byte, so that no text stops at a NUL.
+    std::string text;
+    _write_file_comment(text);
+    _write_component_options(text);
+    _write_static_port_assignments(text);
+    if (_sequence->header() != nullptr) {
+        _compute_field_widths();
+        _write_header(with_delta_time, text);
+        _write_test_vectors(with_delta_time, text);
+    }
+    fwrite(text.data(), 1, text.size(), file);
+    fclose(file);
 }
 
-void TestSequenceFileWriter::_write_file_comment(FILE* file) const
+void TestSequenceFileWriter::_write_file_comment(std::string& text) const
 {
     std::string comment = _sequence->get_file_comment();
     if (comment.empty())
@@ -43,62 +49,62 @@ void TestSequenceFileWriter::_write_file_comment(FILE* file) const
     bool line_start = true;
     for (char c : comment) {
         if (line_start)
-            fputs(c == '\n' ? "#" : "# ", file);
-        fputc(c, file);
+            text += c == '\n' ? "#" : "# ";
+        text += c;
         line_start = c == '\n';
     }
     if (comment.back() == '\n')
-        fputc('#', file);
+        text += '#';
     // The empty line ends the file comment for the reader.
-    fputs("\n\n", file);
+    text += "\n\n";
 }
 
-void TestSequenceFileWriter::_write_pre_comment(const CommentableObject& object, FILE* file)
+void TestSequenceFileWriter::_write_pre_comment(const CommentableObject& object, std::string& text)
 {
     if (object.has_blank_comment())
         return;
     std::vector<std::string> lines = split(object.comment_text(), '\n');
     for (std::size_t i = 0; i + 1 < lines.size(); ++i)
-        fprintf(file, "# %s\n", lines[i].c_str());
+        text += "# " + lines[i] + "\n";
 }
 
-void TestSequenceFileWriter::_write_post_comment(const CommentableObject& object, FILE* file)
+void TestSequenceFileWriter::_write_post_comment(const CommentableObject& object, std::string& text)
 {
     if (object.has_blank_comment())
         return;
     std::vector<std::string> lines = split(object.comment_text(), '\n');
     if (!lines.empty())
-        fprintf(file, " # %s", lines.back().c_str());
+        text += " # " + lines.back();
 }
 
-void TestSequenceFileWriter::_write_component_options(FILE* file) const
+void TestSequenceFileWriter::_write_component_options(std::string& text) const
 {
     for (const ComponentOptions* options : _sequence->component_options()) {
-        _write_pre_comment(*options, file);
-        fprintf(file, "%s(", options->name().c_str());
+        _write_pre_comment(*options, text);
+        text += options->name() + "(";
         const char* separator = "";
         for (const auto& [key, value] : options->options()) {
-            fprintf(file, "%s%s=%s", separator, key.c_str(), value.c_str());
+            text += separator + key + "=" + value;
             separator = ", ";
         }
-        fputc(')', file);
-        _write_post_comment(*options, file);
-        fputc('\n', file);
+        text += ")";
+        _write_post_comment(*options, text);
+        text += "\n";
     }
     if (_sequence->nof_component_options() > 0)
-        fputc('\n', file);
+        text += "\n";
 }
 
-void TestSequenceFileWriter::_write_static_port_assignments(FILE* file) const
+void TestSequenceFileWriter::_write_static_port_assignments(std::string& text) const
 {
     for (const PortAssignment* assignment : _sequence->port_assignments()) {
-        _write_pre_comment(*assignment, file);
-        fprintf(file, "%s=%s", assignment->port_name().c_str(), assignment->value().c_str());
-        _write_post_comment(*assignment, file);
-        fputc('\n', file);
+        _write_pre_comment(*assignment, text);
+        text += assignment->port_name() + "=" + assignment->value();
+        _write_post_comment(*assignment, text);
+        text += "\n";
     }
     if (_sequence->nof_port_assignments() > 0)
-        fputc('\n', file);
+        text += "\n";
 }
 
 void TestSequenceFileWriter::_compute_field_widths()
@@ -134,58 +140,49 @@ void TestSequenceFileWriter::_compute_field_widths()
     }
 }
 
-void TestSequenceFileWriter::_write_header(bool with_delta_time, FILE* file) const
+void TestSequenceFileWriter::_write_header(bool with_delta_time, std::string& text) const
 {
     const TestVectorHeader* header = _sequence->header();
-    _write_pre_comment(*header, file);
-    fprintf(file, "time %*s", _widths[0] - 4, "");
-    int field = 1;
-    for (const SignalData& input : header->inputs()) {
-        std::string name = (input.reversed ? "~" : "") + input.text;
-        fprintf(file, "%*s ", _widths[static_cast<std::size_t>(field++)], name.c_str());
-    }
-    fputs(with_delta_time ? "==(dT)=> " : "=> ", file);
+    _write_pre_comment(*header, text);
+    text += "time " + std::string(static_cast<std::size_t>(_widths[0] - 4), ' ');
+    std::size_t i = 1;
+    for (const SignalData& input : header->inputs())
+        text += field((input.reversed ? "~" : "") + input.text, _widths[i++]);
+    text += with_delta_time ? "==(dT)=> " : "=> ";
     for (const SignalData& output : header->outputs()) {
         std::string name = (output.is_net ? "%" : "") + output.text;
-        if (output.reversed)
-            name = "~" + name;
-        fprintf(file, "%*s ", _widths[static_cast<std::size_t>(field++)], name.c_str());
+        text += field((output.reversed ? "~" : "") + name, _widths[i++]);
     }
-    _write_post_comment(*header, file);
-    fputc('\n', file);
+    _write_post_comment(*header, text);
+    text += "\n";
 }
 
-void TestSequenceFileWriter::_write_test_vectors(bool with_delta_time, FILE* file) const
+void TestSequenceFileWriter::_write_test_vectors(bool with_delta_time, std::string& text) const
 {
     for (const TestVector* row : _sequence->vectors()) {
-        _write_pre_comment(*row, file);
+        _write_pre_comment(*row, text);
         // Zero-padded, so that the time column is all digits; the reader takes leading zeros.
-        fprintf(file, "%0*d ", _widths[0], row->time());
-        int field = 1;
+        text += fmt("%0*d ", _widths[0], row->time());
+        int i = 1;
         for (const SignalData& input : row->inputs())
-            _output_valrev(input, field++, file);
-        if (with_delta_time)
-            fprintf(file, "%5d    ", row->delta_time());
-        else
-            fputs("   ", file);
+            _output_valrev(input, i++, text);
+        text += with_delta_time ? fmt("%5d    ", row->delta_time()) : "   ";
         for (const SignalData& output : row->outputs())
-            _output_valrev(output, field++, file);
-        _write_post_comment(*row, file);
-        fputc('\n', file);
+            _output_valrev(output, i++, text);
+        _write_post_comment(*row, text);
+        text += "\n";
     }
 }
 
-void TestSequenceFileWriter::_output_valrev(const SignalData& value, int field, FILE* file) const
+void TestSequenceFileWriter::_output_valrev(const SignalData& value, int i, std::string& text) const
 {
     const TestVectorHeader* header = _sequence->header();
     // Outputs stand one column further right than their field: the separator has a column, no field.
-    int column = field <= header->nof_inputs() ? field : field + 1;
-    std::string text = value.text;
+    int column = i <= header->nof_inputs() ? i : i + 1;
+    std::string bits = value.text;
     if (value.reversed != header->is_column_to_be_reversed(column))
-        std::reverse(text.begin(), text.end());
-    text = hexpress(text);
-    if (value.reversed)
-        text = "~" + text;
-    int width = field < static_cast<int>(_widths.size()) ? _widths[static_cast<std::size_t>(field)] : 0;
-    fprintf(file, "%*s ", width, text.c_str());
+        std::reverse(bits.begin(), bits.end());
+    bits = hexpress(bits);
+    int width = i < static_cast<int>(_widths.size()) ? _widths[static_cast<std::size_t>(i)] : 0;
+    text += field((value.reversed ? "~" : "") + bits, width);
 }

@@ -2,7 +2,6 @@
 #ifndef MORVANE_CORE_TESTSEQUENCE_TESTSEQUENCEFILEWRITER_H
 #define MORVANE_CORE_TESTSEQUENCE_TESTSEQUENCEFILEWRITER_H
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -23,18 +22,19 @@ public:
     void write_sequence(TestSequence* sequence, const std::string& filename, bool with_delta_time);
 
 private:
-    void _write_file_comment(FILE* file) const;
+    // Each step appends to the text of the file.
+    void _write_file_comment(std::string& text) const;
     /// All lines of a comment but the last, each on a line of its own ahead of the object.
-    static void _write_pre_comment(const CommentableObject& object, FILE* file);
+    static void _write_pre_comment(const CommentableObject& object, std::string& text);
     /// The last line of a comment, behind the object on its line.
-    static void _write_post_comment(const CommentableObject& object, FILE* file);
-    void _write_component_options(FILE* file) const;
-    void _write_static_port_assignments(FILE* file) const;
+    static void _write_post_comment(const CommentableObject& object, std::string& text);
+    void _write_component_options(std::string& text) const;
+    void _write_static_port_assignments(std::string& text) const;
     void _compute_field_widths();
-    void _write_header(bool with_delta_time, FILE* file) const;
-    void _write_test_vectors(bool with_delta_time, FILE* file) const;
-    /// The value as the file had it, compact, "~" ahead if reversed, in the width of field `field`.
-    void _output_valrev(const SignalData& value, int field, FILE* file) const;
+    void _write_header(bool with_delta_time, std::string& text) const;
+    void _write_test_vectors(bool with_delta_time, std::string& text) const;
+    /// The value of field `i` as the file had it, compact, "~" ahead if reversed, in the field's width.
+    void _output_valrev(const SignalData& value, int i, std::string& text) const;
 
     TestSequence* _sequence = nullptr;  // the one being written; not owned
     std::vector<int> _widths;           // chars of the time and of each signal column, no delta field

@@ -27,30 +27,14 @@ std::string signal_text(const SignalData& signal)
     return std::string(signal.is_net ? "%" : "") + (signal.reversed ? "~" : "") + toupper(signal.text);
 }
 
-// With no file comment, the lines ahead of the first object read back as the file comment.
-bool comments_move(const TestSequence& sequence)
-{
-    const CommentableObject* first = sequence.header();
-    if (sequence.nof_component_options() > 0)
-        first = sequence.get_component_options(0);
-    else if (sequence.nof_port_assignments() > 0)
-        first = sequence.get_port_assignment(0);
-    return sequence.get_file_comment().empty() && split(first->comment_text(), '\n').size() > 1;
-}
-
-// Everything a reader fills in, the comments where they stay in place; case does not count in values.
-std::string described(const TestSequence& sequence, bool with_comments)
+// Columns, rows, options and assignments; case does not count in values.
+std::string described(const TestSequence& sequence)
 {
     std::ostringstream out;
-    auto comment = [&](const CommentableObject& object) {
-        return with_comments ? object.comment_text() : "";
-    };
-    if (with_comments)
-        out << "file: " << sequence.get_file_comment() << "\n";
     for (const ComponentOptions* options : sequence.component_options())
-        out << options->name() << options->get_options_string() << " #" << comment(*options) << "\n";
+        out << options->name() << options->get_options_string() << "\n";
     for (const PortAssignment* assignment : sequence.port_assignments())
-        out << assignment->port_name() << "=" << assignment->value() << " #" << comment(*assignment) << "\n";
+        out << assignment->port_name() << "=" << assignment->value() << "\n";
     const TestVectorHeader* header = sequence.header();
     out << "time";
     for (const SignalData& input : header->inputs())
@@ -58,15 +42,13 @@ std::string described(const TestSequence& sequence, bool with_comments)
     out << (header->has_delta_time() ? " ==(dT)=>" : " =>");
     for (const SignalData& output : header->outputs())
         out << " " << signal_text(output);
-    out << " #" << comment(*header) << "\n";
     for (const TestVector* row : sequence.vectors()) {
-        out << row->time() << "+" << row->delta_time();
+        out << "\n" << row->time() << "+" << row->delta_time();
         for (const SignalData& input : row->inputs())
             out << " " << signal_text(input);
         out << " =>";
         for (const SignalData& output : row->outputs())
             out << " " << signal_text(output);
-        out << " #" << comment(*row) << "\n";
     }
     return out.str();
 }
@@ -150,8 +132,7 @@ TEST(TestSequenceFileWriterTest, CaseSequencesReadBackEqual)
             continue;
         TempDir dir;
         written(*first, "again.tv");
-        bool with_comments = !comments_move(*first);
-        EXPECT_EQ(described(TestSequence("again.tv"), with_comments), described(*first, with_comments));
+        EXPECT_EQ(described(TestSequence("again.tv")), described(*first));
         ++round_trips;
     }
     EXPECT_GT(round_trips, 50);
