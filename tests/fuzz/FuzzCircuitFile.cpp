@@ -36,9 +36,13 @@ std::string written(const Circuit& circuit, const std::string& name)
 }
 
 // Texts that the writer puts out without a way back: meta data values come back with their escapes,
-// and an import path ends at its first double quote.
+// an import path ends at its first double quote, and a port whose name was not understood has the empty
+// name, which vanishes from its line.
 bool writes_without_way_back(const Circuit& circuit)
 {
+    for (const Port* port : circuit.ports())
+        if (port->name().empty())
+            return true;
     for (const std::string& key : circuit.get_meta_data_keys())
         for (const std::string& value : circuit.get_meta_data_vector(key))
             if (escape_string(value) != "\"" + value + "\"")
