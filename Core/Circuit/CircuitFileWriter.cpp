@@ -89,6 +89,15 @@ void CircuitFileWriter::_output_line(const std::string& text)
     fputc('\n', _file);
 }
 
+void CircuitFileWriter::_output_list_line(const std::string& head, const std::vector<std::string>& names)
+{
+    _output_indent();
+    _output(head);
+    for (const std::string& name : names)
+        _output(" " + name);
+    _output_empty_line();
+}
+
 void CircuitFileWriter::_output_empty_line()
 {
     fputc('\n', _file);
@@ -193,22 +202,32 @@ void CircuitFileWriter::_output_file_declaration(const Circuit* declaration)
     _output_line("Circuit " + declaration->type_name() + " \"" + name + "\"");
 }
 
+bool CircuitFileWriter::_sort_ports(Dir dir, bool pins, std::vector<const Port*>& commented,
+                                    std::vector<const Port*>& plain) const
+{
+    bool any = false;
+    for (const Port* port : _circuit->ports()) {
+        // A port of width 0 or below is neither.
+        bool wanted = pins ? port->size() == 1 : static_cast<int>(port->size()) >= 2;
+        if (!wanted || port->dir() != dir)
+            continue;
+        any = true;
+        (port->has_blank_comment() ? plain : commented).push_back(port);
+    }
+    return any;
+}
+
 void CircuitFileWriter::_save_pins()
 {
     bool any = false;
     for (Dir dir : directions) {
         std::vector<const Port*> commented;
-        std::vector<std::string> names;
-        for (const Port* port : _circuit->ports()) {
-            if (port->size() != 1 || port->dir() != dir)
-                continue;
-            any = true;
-            if (port->has_blank_comment())
-                names.push_back(port->name());
-            else
-                commented.push_back(port);
-        }
+        std::vector<const Port*> plain;
+        any = _sort_ports(dir, true, commented, plain) || any;
         _save_pin_line_with_comment(dir, commented);
+        std::vector<std::string> names;
+        for (const Port* port : plain)
+            names.push_back(port->name());
         _save_pin_line(dir, names);
     }
     if (any)
@@ -217,13 +236,8 @@ void CircuitFileWriter::_save_pins()
 
 void CircuitFileWriter::_save_pin_line(Dir dir, const std::vector<std::string>& names)
 {
-    if (names.empty())
-        return;
-    _output_indent();
-    _output(std::string("Pin ") + direction_name(dir));
-    for (const std::string& name : names)
-        _output(" " + name);
-    _output_empty_line();
+    if (!names.empty())
+        _output_list_line(std::string("Pin ") + direction_name(dir), names);
 }
 
 void CircuitFileWriter::_save_pin_line_with_comment(Dir dir, const std::vector<const Port*>& ports)
@@ -239,17 +253,12 @@ void CircuitFileWriter::_save_ports()
     bool any = false;
     for (Dir dir : directions) {
         std::vector<const Port*> commented;
-        std::map<int, std::vector<std::string>> names_by_size;
-        for (const Port* port : _circuit->ports()) {
-            if (port->size() < 2 || port->dir() != dir)
-                continue;
-            any = true;
-            if (port->has_blank_comment())
-                names_by_size[static_cast<int>(port->size())].push_back(port->name());
-            else
-                commented.push_back(port);
-        }
+        std::vector<const Port*> plain;
+        any = _sort_ports(dir, false, commented, plain) || any;
         _save_port_lines_with_comment(dir, commented);
+        std::map<int, std::vector<std::string>> names_by_size;
+        for (const Port* port : plain)
+            names_by_size[static_cast<int>(port->size())].push_back(port->name());
         _save_port_lines(dir, names_by_size);
     }
     if (any)
@@ -259,13 +268,8 @@ void CircuitFileWriter::_save_ports()
 void CircuitFileWriter::_save_port_lines(Dir dir,
                                          const std::map<int, std::vector<std::string>>& names_by_size)
 {
-    for (const auto& [size, names] : names_by_size) {
-        _output_indent();
-        _output(fmt("Port %s %d", direction_name(dir), size));
-        for (const std::string& name : names)
-            _output(" " + name);
-        _output_empty_line();
-    }
+    for (const auto& [size, names] : names_by_size)
+        _output_list_line(fmt("Port %s %d", direction_name(dir), size), names);
 }
 
 void CircuitFileWriter::_save_port_lines_with_comment(Dir dir, const std::vector<const Port*>& ports)
@@ -307,13 +311,8 @@ void CircuitFileWriter::_save_components()
 
 void CircuitFileWriter::_save_component_lines(const NamesByKey& names_by_type)
 {
-    for (const auto& [type, names] : names_by_type) {
-        _output_indent();
-        _output("Unit " + type);
-        for (const std::string& name : names)
-            _output(" " + name);
-        _output_empty_line();
-    }
+    for (const auto& [type, names] : names_by_type)
+        _output_list_line("Unit " + type, names);
 }
 
 void CircuitFileWriter::_save_component_lines_with_comment(const std::vector<const Component*>& components)
@@ -362,11 +361,10 @@ void CircuitFileWriter::_save_nets()
             continue;
         if (!net->has_blank_comment())
             _output_comment(net->comment_text());
-        _output_indent();
-        _output("Net " + net->name());
+        std::vector<std::string> paths;
         for (Port* port : net->ports())
-            _output(" " + _circuit->find_port_path(port));
-        _output_empty_line();
+            paths.push_back(_circuit->find_port_path(port));
+        _output_list_line("Net " + net->name(), paths);
     }
     if (!nets.empty())
         _output_empty_line();

@@ -42,6 +42,8 @@ private:
     void _output(const std::string& text);
     void _output_indent();
     void _output_line(const std::string& text);
+    /// `head` and a blank ahead of each name, on one line.
+    void _output_list_line(const std::string& head, const std::vector<std::string>& names);
     void _output_empty_line();
     void _output_comment(const std::string& text);
 
@@ -53,6 +55,10 @@ private:
     void _save_circuit_declarations();
     void _output_local_declaration(const Circuit* declaration);
     void _output_file_declaration(const Circuit* declaration);
+    /// The own ports of `dir`, one bit wide for `pins` and two or more otherwise, with a comment and
+    /// without one; false if there is none.
+    bool _sort_ports(Morvane::Dir dir, bool pins, std::vector<const Port*>& commented,
+                     std::vector<const Port*>& plain) const;
     void _save_pins();
     void _save_pin_line(Morvane::Dir dir, const std::vector<std::string>& names);
     void _save_pin_line_with_comment(Morvane::Dir dir, const std::vector<const Port*>& ports);

@@ -4,8 +4,8 @@
 #include "FuzzSupport.h"
 
 #include "Core/Circuit/Circuit.h"
+#include "Core/Circuit/CircuitFileReader.h"
 #include "Core/Circuit/CircuitFileWriter.h"
-#include "Core/Circuit/CircuitSpec.h"
 #include "Core/Support/StringUtils.h"
 
 #include <cstdio>
@@ -16,13 +16,9 @@
 
 namespace {
 
-std::unique_ptr<Circuit> build(const std::string& path)
+std::unique_ptr<Circuit> build(const std::string& file)
 {
-    CircuitSpec spec(path);
-    auto circuit = std::make_unique<Circuit>(spec.name(), nullptr);
-    circuit->build_from_spec(&spec);
-    circuit->forget_circuit_spec();
-    return circuit;
+    return std::unique_ptr<Circuit>(CircuitFileReader::new_circuit(file));
 }
 
 std::string written(const Circuit& circuit, const std::string& name)

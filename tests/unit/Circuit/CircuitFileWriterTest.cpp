@@ -6,7 +6,7 @@
 
 #include "Cli/CircuitVerifier.h"
 #include "Core/Circuit/Circuit.h"
-#include "Core/Circuit/CircuitSpec.h"
+#include "Core/Circuit/CircuitFileReader.h"
 #include "Core/Support/Error.h"
 #include "Core/Support/Regex.h"
 #include "Core/TestSequence/TestSequence.h"
@@ -24,11 +24,7 @@ namespace {
 
 std::unique_ptr<Circuit> build(const std::string& file)
 {
-    CircuitSpec spec(file);
-    auto circuit = std::make_unique<Circuit>(spec.name(), nullptr);
-    circuit->build_from_spec(&spec);
-    circuit->forget_circuit_spec();
-    return circuit;
+    return std::unique_ptr<Circuit>(CircuitFileReader::new_circuit(file));
 }
 
 std::string written(const Circuit& circuit, const std::string& file, bool with_banner = false)
