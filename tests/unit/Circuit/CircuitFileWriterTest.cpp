@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 
 namespace fs = std::filesystem;
@@ -156,11 +157,14 @@ TEST(CircuitFileWriterTest, FileThatCannotBeOpenedIsReported)
 }
 
 // Every case circuit that builds: written, read, built and written again gives the same text, and both
-// circuits print the same table for the case's test vectors.
+// circuits print the same table for the test vectors of the first case that has the circuit.
 TEST(CircuitFileWriterTest, CaseCircuitsAreAFixpointAfterOneRoundAndSimulateAlike)
 {
     int round_trips = 0;
+    std::set<std::string> circuits;
     for (const E2eCase& c : e2e_cases()) {
+        if (!circuits.insert(file_text(c.ctc)).second)
+            continue;
         SCOPED_TRACE(c.name);
         TempDir dir;
         fs::copy(c.ctc.parent_path(), dir.path(), fs::copy_options::recursive);
@@ -179,5 +183,5 @@ TEST(CircuitFileWriterTest, CaseCircuitsAreAFixpointAfterOneRoundAndSimulateAlik
         EXPECT_EQ(table_of(second.get(), c.tv), table_of(first.get(), c.tv));
         ++round_trips;
     }
-    EXPECT_GT(round_trips, 50);
+    EXPECT_GT(round_trips, 40);
 }
