@@ -8,6 +8,7 @@
 #include "Core/Support/StringUtils.h"
 
 #include <algorithm>
+#include <cctype>
 #include <ctime>
 #include <filesystem>
 #include <limits>
