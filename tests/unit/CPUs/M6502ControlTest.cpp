@@ -11,7 +11,7 @@ constexpr uint16_t irq_handler = 0x3000;
 constexpr uint16_t nmi_handler = 0x3100;
 
 // NOPs everywhere the tests run, the program's first bytes on top.
-void load_program(M6502Harness& h, const std::vector<uint8_t>& code, uint8_t p = m6502_bf | m6502_xf)
+void load_program(M6502Harness& h, const std::vector<uint8_t>& code, uint8_t p = cpu65_bf | cpu65_xf)
 {
     for (int addr = 0x0300; addr < 0x0500; addr++) {
         h.mem(static_cast<uint16_t>(addr)) = 0xEA;
@@ -64,20 +64,20 @@ struct InterruptCase
 
 // clang-format off
 const InterruptCase interrupt_cases[] = {
-    {"IrqSeenTwoTicksBeforeFetch", {}, 0x30, m6502_pin_irq, 1, 99, 3},
-    {"IrqOneTickTooLateWaitsAnInstruction", {}, 0x30, m6502_pin_irq, 2, 99, 5},
-    {"IrqOnFetchTick", {}, 0x30, m6502_pin_irq, 3, 99, 5},
-    {"IrqPulseTwoTicksBeforeFetchIsTaken", {}, 0x30, m6502_pin_irq, 1, 2, 3},
-    {"IrqPulseThreeTicksBeforeFetchIsLost", {}, 0x30, m6502_pin_irq, 2, 3, 0},
-    {"IrqMaskedByI", {}, 0x34, m6502_pin_irq, 1, 99, 0},
-    {"IrqAfterCliWaitsAnInstruction", {0x58}, 0x34, m6502_pin_irq, 1, 99, 5},
-    {"IrqLatchedBeforeSeiIsTaken", {0x78}, 0x30, m6502_pin_irq, 1, 99, 3},
-    {"TakenBranchInPageDelaysIrq", {0xD0, 0x00}, 0x30, m6502_pin_irq, 2, 99, 6},
-    {"TakenBranchAcrossPageDoesNotDelay", {0xD0, 0x80}, 0x30, m6502_pin_irq, 2, 99, 5},
-    {"UntakenBranchDoesNotDelay", {0xF0, 0x00}, 0x30, m6502_pin_irq, 1, 99, 3},
-    {"NmiPulseTwoTicksBeforeFetch", {}, 0x34, m6502_pin_nmi, 1, 2, 3},
-    {"NmiPulseWaitsForNextFetch", {}, 0x34, m6502_pin_nmi, 2, 3, 5},
-    {"NmiHeldIsOneEdge", {}, 0x34, m6502_pin_nmi, 2, 99, 5},
+    {"IrqSeenTwoTicksBeforeFetch", {}, 0x30, cpu65_pin_irq, 1, 99, 3},
+    {"IrqOneTickTooLateWaitsAnInstruction", {}, 0x30, cpu65_pin_irq, 2, 99, 5},
+    {"IrqOnFetchTick", {}, 0x30, cpu65_pin_irq, 3, 99, 5},
+    {"IrqPulseTwoTicksBeforeFetchIsTaken", {}, 0x30, cpu65_pin_irq, 1, 2, 3},
+    {"IrqPulseThreeTicksBeforeFetchIsLost", {}, 0x30, cpu65_pin_irq, 2, 3, 0},
+    {"IrqMaskedByI", {}, 0x34, cpu65_pin_irq, 1, 99, 0},
+    {"IrqAfterCliWaitsAnInstruction", {0x58}, 0x34, cpu65_pin_irq, 1, 99, 5},
+    {"IrqLatchedBeforeSeiIsTaken", {0x78}, 0x30, cpu65_pin_irq, 1, 99, 3},
+    {"TakenBranchInPageDelaysIrq", {0xD0, 0x00}, 0x30, cpu65_pin_irq, 2, 99, 6},
+    {"TakenBranchAcrossPageDoesNotDelay", {0xD0, 0x80}, 0x30, cpu65_pin_irq, 2, 99, 5},
+    {"UntakenBranchDoesNotDelay", {0xF0, 0x00}, 0x30, cpu65_pin_irq, 1, 99, 3},
+    {"NmiPulseTwoTicksBeforeFetch", {}, 0x34, cpu65_pin_nmi, 1, 2, 3},
+    {"NmiPulseWaitsForNextFetch", {}, 0x34, cpu65_pin_nmi, 2, 3, 5},
+    {"NmiHeldIsOneEdge", {}, 0x34, cpu65_pin_nmi, 2, 99, 5},
 };
 // clang-format on
 
@@ -102,8 +102,8 @@ TEST(M6502ControlTest, IrqPushesPcOfDroppedOpcodeAndBClear)
 {
     M6502Harness h;
     load_program(h, {});
-    m6502_set_p(&h.cpu, m6502_bf | m6502_cf);
-    const auto cycles = run(h, m6502_pin_irq, 1, 99, 10);
+    m6502_set_p(&h.cpu, cpu65_bf | cpu65_cf);
+    const auto cycles = run(h, cpu65_pin_irq, 1, 99, 10);
     // Tick 3 would have fetched the opcode at 0x0401.
     EXPECT_EQ(cycles[2], "R0401");
     EXPECT_EQ(cycles[3], "W01FD=04");
@@ -112,7 +112,7 @@ TEST(M6502ControlTest, IrqPushesPcOfDroppedOpcodeAndBClear)
     EXPECT_EQ(cycles[6], "RFFFE");
     EXPECT_EQ(cycles[7], "RFFFF");
     EXPECT_EQ(cycles[8], "F3000");
-    EXPECT_EQ(m6502_p(&h.cpu), m6502_bf | m6502_if | m6502_cf);
+    EXPECT_EQ(m6502_p(&h.cpu), cpu65_bf | cpu65_if | cpu65_cf);
 }
 
 TEST(M6502ControlTest, NmiHeldHighTriggersOnceAndAgainAfterFalling)
@@ -121,7 +121,7 @@ TEST(M6502ControlTest, NmiHeldHighTriggersOnceAndAgainAfterFalling)
     load_program(h, {});
     int vector_reads = 0;
     for (int t = 1; t <= 120; t++) {
-        h.set_input(m6502_pin_nmi, t < 50 || t >= 60);
+        h.set_input(cpu65_pin_nmi, t < 50 || t >= 60);
         h.tick();
         vector_reads += h.cycle() == "RFFFA";
     }
@@ -132,15 +132,15 @@ TEST(M6502ControlTest, NmiWinsOverIrqAndResetWinsOverBoth)
 {
     M6502Harness h;
     load_program(h, {});
-    const auto cycles = run(h, m6502_pin_irq | m6502_pin_nmi, 1, 99, 8);
+    const auto cycles = run(h, cpu65_pin_irq | cpu65_pin_nmi, 1, 99, 8);
     EXPECT_EQ(cycles[6], "RFFFA");
 
     M6502Harness r;
     load_program(r, {});
-    r.set_input(m6502_pin_irq | m6502_pin_nmi, true);
+    r.set_input(cpu65_pin_irq | cpu65_pin_nmi, true);
     r.tick();
     r.tick();
-    r.set_input(m6502_pin_res, true);
+    r.set_input(cpu65_pin_res, true);
     std::vector<std::string> reset_cycles;
     for (int t = 0; t < 7; t++) {
         r.tick();
@@ -179,7 +179,7 @@ TEST_P(M6502RdyTest, StallsOnlyOnReads)
     load_program(h, row.code);
     m6502_set_a(&h.cpu, 0x55);
     std::string trace;
-    for (const auto& c : run(h, m6502_pin_rdy, row.from, row.to, 8)) {
+    for (const auto& c : run(h, cpu65_pin_rdy, row.from, row.to, 8)) {
         trace += (trace.empty() ? "" : " ") + c;
     }
     EXPECT_EQ(trace, row.trace);
@@ -206,7 +206,7 @@ TEST(M6502ControlTest, InitThenSevenTicksRunTheResetSequence)
     EXPECT_EQ(m6502_pc(&h.cpu), 0x1234);
     EXPECT_EQ(m6502_s(&h.cpu), 0xFD);
     EXPECT_EQ(m6502_p(&h.cpu), 0x16);
-    EXPECT_FALSE(h.pins & m6502_pin_res);
+    EXPECT_FALSE(h.pins & cpu65_pin_res);
 }
 
 TEST(M6502ControlTest, ResOnFetchRestartsAndClearsPort)
@@ -219,10 +219,10 @@ TEST(M6502ControlTest, ResOnFetchRestartsAndClearsPort)
     h.tick();
     EXPECT_EQ(m6502_get_port(h.pins), 0x15);
     h.tick();
-    h.set_input(m6502_pin_res, true);  // on the next fetch
+    h.set_input(cpu65_pin_res, true);  // on the next fetch
     h.tick();
     EXPECT_EQ(h.cycle(), "R0401");
-    EXPECT_FALSE(h.pins & m6502_pin_res);
+    EXPECT_FALSE(h.pins & cpu65_pin_res);
     EXPECT_EQ(m6502_get_port(h.pins), 0);
     EXPECT_EQ(h.cpu.port_direction, 0);
     EXPECT_EQ(h.cpu.port_output, 0);
@@ -252,8 +252,8 @@ void port_out(uint8_t data, void* user_data)
 
 uint64_t port_access(m6502_t* c, uint16_t addr, bool read, uint8_t data = 0)
 {
-    uint64_t pins = m6502_set_data(m6502_set_addr(0, addr), data);
-    return m6510_iorq(c, read ? pins | m6502_pin_rw : pins);
+    uint64_t pins = cpu65_set_data(cpu65_set_addr(0, addr), data);
+    return m6510_iorq(c, read ? pins | cpu65_pin_rw : pins);
 }
 
 TEST(M6502ControlTest, PortDrivesOutputsPullsUpAndKeepsFloatingBits)
@@ -277,12 +277,12 @@ TEST(M6502ControlTest, PortDrivesOutputsPullsUpAndKeepsFloatingBits)
 
     world.input = 0x80;
     // Inputs: bits 4 and 5 float at their last driven level, bit 7 comes from outside.
-    EXPECT_EQ(m6502_get_data(port_access(&cpu, 1, true)), 0xB5);
-    EXPECT_EQ(m6502_get_data(port_access(&cpu, 0, true)), 0x0F);
+    EXPECT_EQ(cpu65_get_data(port_access(&cpu, 1, true)), 0xB5);
+    EXPECT_EQ(cpu65_get_data(port_access(&cpu, 0, true)), 0x0F);
     EXPECT_EQ(cpu.port_pins, 0x85);
 
     // P0 to P5 show on the pins after every tick.
-    const uint64_t pins = m6502_tick(&cpu, m6502_pin_rw | 0x1234);
+    const uint64_t pins = m6502_tick(&cpu, cpu65_pin_rw | 0x1234);
     EXPECT_EQ(m6502_get_port(pins), 0x05);
 }
 

@@ -136,7 +136,7 @@ TEST(M6502OpcodeTest, EveryOpcodeTakesItsCycles)
         do {
             h.tick();
             ticks++;
-        } while (!(h.pins & m6502_pin_sync) && ticks < 10);
+        } while (!(h.pins & cpu65_pin_sync) && ticks < 10);
         EXPECT_EQ(ticks, cycles_per_opcode[op]) << "opcode " << std::hex << op;
     }
 }

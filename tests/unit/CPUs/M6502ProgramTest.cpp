@@ -50,10 +50,10 @@ TrapResult run_to_trap(M6502Harness& h, uint64_t max_ticks)
     while (result.ticks < max_ticks) {
         h.tick();
         result.ticks++;
-        if (!(h.pins & m6502_pin_sync)) {
+        if (!(h.pins & cpu65_pin_sync)) {
             continue;
         }
-        const uint16_t addr = m6502_get_addr(h.pins);
+        const uint16_t addr = cpu65_get_addr(h.pins);
         if (addr == prev_fetch) {
             result.trap = addr;
             break;

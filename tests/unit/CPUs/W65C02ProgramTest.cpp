@@ -44,10 +44,10 @@ TrapResult run_to_trap(W65C02Harness& h, uint64_t max_ticks)
     while (result.ticks < max_ticks) {
         h.tick();
         result.ticks++;
-        if (!(h.pins & w65c02_pin_sync)) {
+        if (!(h.pins & cpu65_pin_sync)) {
             continue;
         }
-        const uint16_t addr = w65c02_get_addr(h.pins);
+        const uint16_t addr = cpu65_get_addr(h.pins);
         if (addr == prev_fetch) {
             result.trap = addr;
             break;

@@ -208,7 +208,7 @@ TEST(MOS6502Test, ResetSequenceThenNopsFromAHeldBus)
                                        "10010:u 10200:L 11010:u 11200:H ");
     // The reset sequence reads where the stack cycles of an interrupt write.
     EXPECT_EQ(wave(*b.rw, 0, 3000), "0:u 1200:H 2010:u 2200:H ");
-    EXPECT_FALSE(b.cpu->sr() & m6502_vf);
+    EXPECT_FALSE(b.cpu->sr() & cpu65_vf);
 }
 
 TEST(MOS6502Test, ReadCycleTimingAndTheByteTakenAtTheFall)
@@ -272,7 +272,7 @@ TEST(MOS6502Test, ProgramRunsAgainstMemory)
     // JSR pushed the address of its last byte, 0211.
     EXPECT_EQ(b.mem.bytes[0x01FD], 0x02);
     EXPECT_EQ(b.mem.bytes[0x01FC], 0x11);
-    EXPECT_EQ(b.cpu->sr() & (m6502_df | m6502_cf), 0);
+    EXPECT_EQ(b.cpu->sr() & (cpu65_df | cpu65_cf), 0);
 }
 
 TEST(MOS6502Test, InterruptPins)
@@ -346,7 +346,7 @@ TEST(MOS6502Test, ResetRdySetOverflowAndDataPins)
             pin->set(Value("H"), r.to);
         b.run(12);
         EXPECT_EQ(addresses(*b.a, 12000), r.addresses) << r.name;
-        EXPECT_EQ((b.cpu->sr() & m6502_vf) != 0, r.overflow) << r.name;
+        EXPECT_EQ((b.cpu->sr() & cpu65_vf) != 0, r.overflow) << r.name;
     }
 }
 

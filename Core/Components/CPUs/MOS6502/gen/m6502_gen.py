@@ -29,7 +29,7 @@ READ_OPS = {
     "NOP": "",
     "LAX": "c->a = c->x = data(pins); nz(c, c->a);",
     "LAS": "c->a = c->x = c->s = data(pins) & c->s; nz(c, c->a);",
-    "ANC": "c->a &= data(pins); nz(c, c->a); set_flag(c, m6502_cf, c->a & 0x80);",
+    "ANC": "c->a &= data(pins); nz(c, c->a); set_flag(c, cpu65_cf, c->a & 0x80);",
     "ASR": "c->a &= data(pins); c->a = lsr(c, c->a);",
     "ARR": "arr(c, data(pins));",
     "ANE": "c->a = (c->a | 0xEE) & c->x & data(pins); nz(c, c->a);",
@@ -67,13 +67,13 @@ RMW_OPS = {
 
 # Implied and accumulator operations: step 0 reads at pc without moving on.
 IMPLIED_OPS = {
-    "CLC": "c->p &= ~m6502_cf;",
-    "SEC": "c->p |= m6502_cf;",
-    "CLI": "c->p &= ~m6502_if;",
-    "SEI": "c->p |= m6502_if;",
-    "CLV": "c->p &= ~m6502_vf;",
-    "CLD": "c->p &= ~m6502_df;",
-    "SED": "c->p |= m6502_df;",
+    "CLC": "c->p &= ~cpu65_cf;",
+    "SEC": "c->p |= cpu65_cf;",
+    "CLI": "c->p &= ~cpu65_if;",
+    "SEI": "c->p |= cpu65_if;",
+    "CLV": "c->p &= ~cpu65_vf;",
+    "CLD": "c->p &= ~cpu65_df;",
+    "SED": "c->p |= cpu65_df;",
     "TAX": "c->x = c->a; nz(c, c->x);",
     "TXA": "c->a = c->x; nz(c, c->a);",
     "TAY": "c->y = c->a; nz(c, c->y);",
@@ -93,14 +93,14 @@ IMPLIED_OPS = {
 
 # Flag tested by each branch, and whether the branch is taken when that flag is set.
 BRANCH_CONDITIONS = {
-    "BPL": ("m6502_nf", False),
-    "BMI": ("m6502_nf", True),
-    "BVC": ("m6502_vf", False),
-    "BVS": ("m6502_vf", True),
-    "BCC": ("m6502_cf", False),
-    "BCS": ("m6502_cf", True),
-    "BNE": ("m6502_zf", False),
-    "BEQ": ("m6502_zf", True),
+    "BPL": ("cpu65_nf", False),
+    "BMI": ("cpu65_nf", True),
+    "BVC": ("cpu65_vf", False),
+    "BVS": ("cpu65_vf", True),
+    "BCC": ("cpu65_cf", False),
+    "BCS": ("cpu65_cf", True),
+    "BNE": ("cpu65_zf", False),
+    "BEQ": ("cpu65_zf", True),
 }
 
 MODE_SYNTAX = {
@@ -197,12 +197,12 @@ SPECIAL_STEPS = {
     # Reset, NMI and IRQ enter at step 1, after the fetch that dropped their opcode.
     "BRK": [
         "read_at(pins, c->pc);",
-        "if (!(c->brk_flags & (m6502_brk_irq | m6502_brk_nmi))) { c->pc++; } "
-        "push(c, pins, c->pc >> 8); if (c->brk_flags & m6502_brk_reset) { pins |= m6502_pin_rw; }",
-        "push(c, pins, c->pc); if (c->brk_flags & m6502_brk_reset) { pins |= m6502_pin_rw; }",
-        "push(c, pins, c->p | m6502_xf); if (c->brk_flags & m6502_brk_reset) { pins |= m6502_pin_rw; } "
-        "c->ad = (c->brk_flags & m6502_brk_reset) ? 0xFFFC : (c->brk_flags & m6502_brk_nmi) ? 0xFFFA : 0xFFFE;",
-        "read_at(pins, c->ad++); c->p |= m6502_if | m6502_bf; c->brk_flags = 0;",
+        "if (!(c->brk_flags & (cpu65_brk_irq | cpu65_brk_nmi))) { c->pc++; } "
+        "push(c, pins, c->pc >> 8); if (c->brk_flags & cpu65_brk_reset) { pins |= cpu65_pin_rw; }",
+        "push(c, pins, c->pc); if (c->brk_flags & cpu65_brk_reset) { pins |= cpu65_pin_rw; }",
+        "push(c, pins, c->p | cpu65_xf); if (c->brk_flags & cpu65_brk_reset) { pins |= cpu65_pin_rw; } "
+        "c->ad = (c->brk_flags & cpu65_brk_reset) ? 0xFFFC : (c->brk_flags & cpu65_brk_nmi) ? 0xFFFA : 0xFFFE;",
+        "read_at(pins, c->ad++); c->p |= cpu65_if | cpu65_bf; c->brk_flags = 0;",
         "read_at(pins, c->ad); c->ad = data(pins);",
         "c->pc = (data(pins) << 8) | c->ad; " + FETCH,
     ],
@@ -218,7 +218,7 @@ SPECIAL_STEPS = {
         "read_at(pins, c->pc);",
         "read_at(pins, stack(c)); c->s++;",
         "read_at(pins, stack(c)); c->s++;",
-        "read_at(pins, stack(c)); c->s++; c->p = (data(pins) & ~(m6502_bf | m6502_xf)) | m6502_bf;",
+        "read_at(pins, stack(c)); c->s++; c->p = (data(pins) & ~(cpu65_bf | cpu65_xf)) | cpu65_bf;",
         "read_at(pins, stack(c)); c->ad = data(pins);",
         "c->pc = (data(pins) << 8) | c->ad; " + FETCH,
     ],
@@ -231,11 +231,11 @@ SPECIAL_STEPS = {
         FETCH,
     ],
     "PHA": ["read_at(pins, c->pc);", "push(c, pins, c->a);", FETCH],
-    "PHP": ["read_at(pins, c->pc);", "push(c, pins, c->p | m6502_xf);", FETCH],
+    "PHP": ["read_at(pins, c->pc);", "push(c, pins, c->p | cpu65_xf);", FETCH],
     "PLA": ["read_at(pins, c->pc);", "read_at(pins, stack(c)); c->s++;", "read_at(pins, stack(c));",
             "c->a = data(pins); nz(c, c->a); " + FETCH],
     "PLP": ["read_at(pins, c->pc);", "read_at(pins, stack(c)); c->s++;", "read_at(pins, stack(c));",
-            "c->p = (data(pins) & ~(m6502_bf | m6502_xf)) | m6502_bf; " + FETCH],
+            "c->p = (data(pins) & ~(cpu65_bf | cpu65_xf)) | cpu65_bf; " + FETCH],
     "JMP abs": ["read_at(pins, c->pc++);", "c->ad = data(pins); read_at(pins, c->pc++);",
                 "c->pc = (data(pins) << 8) | c->ad; " + FETCH],
     # The high byte of the target comes from the same page as the low byte.
@@ -245,7 +245,7 @@ SPECIAL_STEPS = {
                 "c->pc = (data(pins) << 8) | c->ad; " + FETCH],
     # The step repeats for ever; only a new init ends it.
     "JAM": ["read_at(pins, c->pc);",
-            "pins = m6502_set_data(m6502_set_addr(pins, 0xFFFF), 0xFF); c->ir--;"],
+            "pins = cpu65_set_data(cpu65_set_addr(pins, 0xFFFF), 0xFF); c->ir--;"],
 }
 
 

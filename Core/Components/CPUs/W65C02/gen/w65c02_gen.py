@@ -27,7 +27,7 @@ READ_OPS = {
     "CPX": "cmp(c, c->x, data(pins));",
     "CPY": "cmp(c, c->y, data(pins));",
     "BIT": "bit(c, data(pins));",
-    "BIT imm": "set_flag(c, w65c02_zf, (c->a & data(pins)) == 0);",
+    "BIT imm": "set_flag(c, cpu65_zf, (c->a & data(pins)) == 0);",
     "NOP": "",
 }
 
@@ -59,13 +59,13 @@ for _n in range(8):
 
 # Implied and accumulator operations: step 0 reads at pc without moving on.
 IMPLIED_OPS = {
-    "CLC": "c->p &= ~w65c02_cf;",
-    "SEC": "c->p |= w65c02_cf;",
-    "CLI": "c->p &= ~w65c02_if;",
-    "SEI": "c->p |= w65c02_if;",
-    "CLV": "c->p &= ~w65c02_vf;",
-    "CLD": "c->p &= ~w65c02_df;",
-    "SED": "c->p |= w65c02_df;",
+    "CLC": "c->p &= ~cpu65_cf;",
+    "SEC": "c->p |= cpu65_cf;",
+    "CLI": "c->p &= ~cpu65_if;",
+    "SEI": "c->p |= cpu65_if;",
+    "CLV": "c->p &= ~cpu65_vf;",
+    "CLD": "c->p &= ~cpu65_df;",
+    "SED": "c->p |= cpu65_df;",
     "TAX": "c->x = c->a; nz(c, c->x);",
     "TXA": "c->a = c->x; nz(c, c->a);",
     "TAY": "c->y = c->a; nz(c, c->y);",
@@ -87,14 +87,14 @@ IMPLIED_OPS = {
 
 # Condition under which each branch is taken.
 BRANCH_CONDITIONS = {
-    "BPL": "!(c->p & w65c02_nf)",
-    "BMI": "(c->p & w65c02_nf)",
-    "BVC": "!(c->p & w65c02_vf)",
-    "BVS": "(c->p & w65c02_vf)",
-    "BCC": "!(c->p & w65c02_cf)",
-    "BCS": "(c->p & w65c02_cf)",
-    "BNE": "!(c->p & w65c02_zf)",
-    "BEQ": "(c->p & w65c02_zf)",
+    "BPL": "!(c->p & cpu65_nf)",
+    "BMI": "(c->p & cpu65_nf)",
+    "BVC": "!(c->p & cpu65_vf)",
+    "BVS": "(c->p & cpu65_vf)",
+    "BCC": "!(c->p & cpu65_cf)",
+    "BCS": "(c->p & cpu65_cf)",
+    "BNE": "!(c->p & cpu65_zf)",
+    "BEQ": "(c->p & cpu65_zf)",
     "BRA": "true",
 }
 
@@ -166,7 +166,7 @@ def read_steps(name, mode):
         pre, addr = address_steps(mode, "read")
         pre = pre + [f"read_at(pins, {addr});"]
     if name in DECIMAL_OPS:
-        return pre + [join(op, f"if (c->p & w65c02_df) {{ read_at(pins, c->pc); }} else {{ {FETCH} }}"),
+        return pre + [join(op, f"if (c->p & cpu65_df) {{ read_at(pins, c->pc); }} else {{ {FETCH} }}"),
                       join("nz(c, c->a);", FETCH)]
     return pre + [join(op, FETCH)]
 
@@ -225,12 +225,12 @@ SPECIAL_STEPS = {
     # Reset, NMI and IRQ enter at step 1, after the fetch that dropped their opcode.
     "BRK": [
         "read_at(pins, c->pc);",
-        "if (!(c->brk_flags & (w65c02_brk_irq | w65c02_brk_nmi))) { c->pc++; } "
-        "push(c, pins, c->pc >> 8); if (c->brk_flags & w65c02_brk_reset) { pins |= w65c02_pin_rw; }",
-        "push(c, pins, c->pc); if (c->brk_flags & w65c02_brk_reset) { pins |= w65c02_pin_rw; }",
-        "push(c, pins, c->p | w65c02_xf); if (c->brk_flags & w65c02_brk_reset) { pins |= w65c02_pin_rw; } "
-        "c->ad = (c->brk_flags & w65c02_brk_reset) ? 0xFFFC : (c->brk_flags & w65c02_brk_nmi) ? 0xFFFA : 0xFFFE;",
-        "read_at(pins, c->ad++); c->p = (c->p | w65c02_if | w65c02_bf) & ~w65c02_df; pins |= w65c02_pin_vp;",
+        "if (!(c->brk_flags & (cpu65_brk_irq | cpu65_brk_nmi))) { c->pc++; } "
+        "push(c, pins, c->pc >> 8); if (c->brk_flags & cpu65_brk_reset) { pins |= cpu65_pin_rw; }",
+        "push(c, pins, c->pc); if (c->brk_flags & cpu65_brk_reset) { pins |= cpu65_pin_rw; }",
+        "push(c, pins, c->p | cpu65_xf); if (c->brk_flags & cpu65_brk_reset) { pins |= cpu65_pin_rw; } "
+        "c->ad = (c->brk_flags & cpu65_brk_reset) ? 0xFFFC : (c->brk_flags & cpu65_brk_nmi) ? 0xFFFA : 0xFFFE;",
+        "read_at(pins, c->ad++); c->p = (c->p | cpu65_if | cpu65_bf) & ~cpu65_df; pins |= w65c02_pin_vp;",
         "read_at(pins, c->ad); c->ad = data(pins); pins |= w65c02_pin_vp;",
         "c->pc = (data(pins) << 8) | c->ad; c->brk_flags = 0; pins &= ~w65c02_pin_vp; " + FETCH,
     ],
@@ -246,7 +246,7 @@ SPECIAL_STEPS = {
         "read_at(pins, c->pc);",
         "read_at(pins, stack(c)); c->s++;",
         "read_at(pins, stack(c)); c->s++;",
-        "read_at(pins, stack(c)); c->s++; c->p = (data(pins) & ~(w65c02_bf | w65c02_xf)) | w65c02_bf;",
+        "read_at(pins, stack(c)); c->s++; c->p = (data(pins) & ~(cpu65_bf | cpu65_xf)) | cpu65_bf;",
         "read_at(pins, stack(c)); c->ad = data(pins);",
         "c->pc = (data(pins) << 8) | c->ad; " + FETCH,
     ],
@@ -261,7 +261,7 @@ SPECIAL_STEPS = {
     "PHA": ["read_at(pins, c->pc);", "push(c, pins, c->a);", FETCH],
     "PHX": ["read_at(pins, c->pc);", "push(c, pins, c->x);", FETCH],
     "PHY": ["read_at(pins, c->pc);", "push(c, pins, c->y);", FETCH],
-    "PHP": ["read_at(pins, c->pc);", "push(c, pins, c->p | w65c02_xf);", FETCH],
+    "PHP": ["read_at(pins, c->pc);", "push(c, pins, c->p | cpu65_xf);", FETCH],
     "PLA": ["read_at(pins, c->pc);", "read_at(pins, stack(c)); c->s++;", "read_at(pins, stack(c));",
             "c->a = data(pins); nz(c, c->a); " + FETCH],
     "PLX": ["read_at(pins, c->pc);", "read_at(pins, stack(c)); c->s++;", "read_at(pins, stack(c));",
@@ -269,7 +269,7 @@ SPECIAL_STEPS = {
     "PLY": ["read_at(pins, c->pc);", "read_at(pins, stack(c)); c->s++;", "read_at(pins, stack(c));",
             "c->y = data(pins); nz(c, c->y); " + FETCH],
     "PLP": ["read_at(pins, c->pc);", "read_at(pins, stack(c)); c->s++;", "read_at(pins, stack(c));",
-            "c->p = (data(pins) & ~(w65c02_bf | w65c02_xf)) | w65c02_bf; " + FETCH],
+            "c->p = (data(pins) & ~(cpu65_bf | cpu65_xf)) | cpu65_bf; " + FETCH],
     "JMP abs": ["read_at(pins, c->pc++);", "c->ad = data(pins); read_at(pins, c->pc++);",
                 "c->pc = (data(pins) << 8) | c->ad; " + FETCH],
     # The high byte of the target comes from the true next address, a page crossing included.
@@ -284,7 +284,7 @@ SPECIAL_STEPS = {
                   "read_at(pins, c->ad + 1); c->ad = data(pins);",
                   "c->pc = (data(pins) << 8) | c->ad; " + FETCH],
     # Parks the core: RDY goes out with the pins and holds it at the head of the tick.
-    "WAI": ["if (!(pins & (w65c02_pin_irq | w65c02_pin_nmi))) { c->waiting = 1; pins |= w65c02_pin_rdy; } "
+    "WAI": ["if (!(pins & (cpu65_pin_irq | cpu65_pin_nmi))) { c->waiting = 1; pins |= cpu65_pin_rdy; } "
             "read_at(pins, c->pc);",
             None,
             FETCH],
