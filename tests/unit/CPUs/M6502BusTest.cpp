@@ -90,19 +90,9 @@ TEST_P(M6502BusTest, RunsCyclesInOrder)
 {
     const BusCase& row = GetParam();
     M6502Harness h;
-    uint16_t addr = 0x0400;
-    for (uint8_t b : row.code) {
-        h.mem(addr++) = b;
-    }
-    for (const auto& [where, value] : row.data) {
-        h.mem(where) = value;
-    }
-    h.reset_to(0x0400);
-    m6502_set_a(&h.cpu, a_value);
-    m6502_set_x(&h.cpu, row.x);
-    m6502_set_y(&h.cpu, row.y);
+    h.load_and_reset(row.code, row.data);
+    h.set_registers(a_value, row.x, row.y, row.p | cpu65_bf);
     m6502_set_s(&h.cpu, row.s);
-    m6502_set_p(&h.cpu, row.p | cpu65_bf);
     EXPECT_EQ(h.run_instruction(), row.trace);
 }
 

@@ -7,51 +7,6 @@
 
 namespace {
 
-constexpr uint16_t irq_handler = 0x3000;
-constexpr uint16_t nmi_handler = 0x3100;
-
-// NOPs everywhere the tests run, the program's first bytes on top.
-void load_program(M6502Harness& h, const std::vector<uint8_t>& code, uint8_t p = cpu65_bf | cpu65_xf)
-{
-    for (int addr = 0x0300; addr < 0x0500; addr++) {
-        h.mem(static_cast<uint16_t>(addr)) = 0xEA;
-    }
-    for (int addr = irq_handler; addr < nmi_handler + 0x100; addr++) {
-        h.mem(static_cast<uint16_t>(addr)) = 0xEA;
-    }
-    for (size_t i = 0; i < code.size(); i++) {
-        h.mem(static_cast<uint16_t>(0x0400 + i)) = code[i];
-    }
-    h.load(0xFFFA, {nmi_handler & 0xFF, nmi_handler >> 8});
-    h.load(0xFFFE, {irq_handler & 0xFF, irq_handler >> 8});
-    h.reset_to(0x0400);
-    m6502_set_p(&h.cpu, p);
-}
-
-// Tick 1 fetches the first opcode. `input` is on the pins for the ticks from `from` up to `to`.
-// Returns the cycles that the ticks ask for, one per tick.
-std::vector<std::string> run(M6502Harness& h, uint64_t input, int from, int to, int ticks = 24)
-{
-    std::vector<std::string> cycles;
-    for (int t = 1; t <= ticks; t++) {
-        h.set_input(input, t >= from && t < to);
-        h.tick();
-        cycles.push_back(h.cycle());
-    }
-    return cycles;
-}
-
-// The fetch tick whose opcode an interrupt dropped (the tick before the first push), or 0.
-int taken_at(const std::vector<std::string>& cycles)
-{
-    for (size_t i = 0; i < cycles.size(); i++) {
-        if (cycles[i].rfind("W01", 0) == 0) {
-            return static_cast<int>(i);  // index i is tick i + 1; the fetch was the tick before
-        }
-    }
-    return 0;
-}
-
 struct InterruptCase
 {
     const char* name;           // what the row shows
@@ -89,8 +44,8 @@ TEST_P(M6502InterruptTest, TakesInterruptAtFetch)
 {
     const InterruptCase& row = GetParam();
     M6502Harness h;
-    load_program(h, row.code, row.p);
-    EXPECT_EQ(taken_at(run(h, row.input, row.from, row.to)), row.expected);
+    h.load_program(row.code, row.p);
+    EXPECT_EQ(taken_at(h.run(row.input, row.from, row.to)), row.expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Timing, M6502InterruptTest, testing::ValuesIn(interrupt_cases),
@@ -101,9 +56,9 @@ INSTANTIATE_TEST_SUITE_P(Timing, M6502InterruptTest, testing::ValuesIn(interrupt
 TEST(M6502ControlTest, IrqPushesPcOfDroppedOpcodeAndBClear)
 {
     M6502Harness h;
-    load_program(h, {});
+    h.load_program({});
     m6502_set_p(&h.cpu, cpu65_bf | cpu65_cf);
-    const auto cycles = run(h, cpu65_pin_irq, 1, 99, 10);
+    const auto cycles = h.run(cpu65_pin_irq, 1, 99, 10);
     // Tick 3 would have fetched the opcode at 0x0401.
     EXPECT_EQ(cycles[2], "R0401");
     EXPECT_EQ(cycles[3], "W01FD=04");
@@ -118,7 +73,7 @@ TEST(M6502ControlTest, IrqPushesPcOfDroppedOpcodeAndBClear)
 TEST(M6502ControlTest, NmiHeldHighTriggersOnceAndAgainAfterFalling)
 {
     M6502Harness h;
-    load_program(h, {});
+    h.load_program({});
     int vector_reads = 0;
     for (int t = 1; t <= 120; t++) {
         h.set_input(cpu65_pin_nmi, t < 50 || t >= 60);
@@ -131,12 +86,12 @@ TEST(M6502ControlTest, NmiHeldHighTriggersOnceAndAgainAfterFalling)
 TEST(M6502ControlTest, NmiWinsOverIrqAndResetWinsOverBoth)
 {
     M6502Harness h;
-    load_program(h, {});
-    const auto cycles = run(h, cpu65_pin_irq | cpu65_pin_nmi, 1, 99, 8);
+    h.load_program({});
+    const auto cycles = h.run(cpu65_pin_irq | cpu65_pin_nmi, 1, 99, 8);
     EXPECT_EQ(cycles[6], "RFFFA");
 
     M6502Harness r;
-    load_program(r, {});
+    r.load_program({});
     r.set_input(cpu65_pin_irq | cpu65_pin_nmi, true);
     r.tick();
     r.tick();
@@ -176,10 +131,10 @@ TEST_P(M6502RdyTest, StallsOnlyOnReads)
 {
     const RdyCase& row = GetParam();
     M6502Harness h;
-    load_program(h, row.code);
+    h.load_program(row.code);
     m6502_set_a(&h.cpu, 0x55);
     std::string trace;
-    for (const auto& c : run(h, cpu65_pin_rdy, row.from, row.to, 8)) {
+    for (const auto& c : h.run(cpu65_pin_rdy, row.from, row.to, 8)) {
         trace += (trace.empty() ? "" : " ") + c;
     }
     EXPECT_EQ(trace, row.trace);
@@ -212,7 +167,7 @@ TEST(M6502ControlTest, InitThenSevenTicksRunTheResetSequence)
 TEST(M6502ControlTest, ResOnFetchRestartsAndClearsPort)
 {
     M6502Harness h;
-    load_program(h, {});
+    h.load_program({});
     h.cpu.port_direction = 0x3F;
     h.cpu.port_output = 0x15;
     h.cpu.port_pins = 0x15;

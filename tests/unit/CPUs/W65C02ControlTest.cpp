@@ -7,40 +7,6 @@
 
 namespace {
 
-constexpr uint16_t irq_handler = 0x3000;
-constexpr uint16_t nmi_handler = 0x3100;
-
-// NOPs everywhere the tests run, the program's first bytes on top.
-void load_program(W65C02Harness& h, const std::vector<uint8_t>& code, uint8_t p = cpu65_bf | cpu65_xf)
-{
-    for (int addr = 0x0300; addr < 0x0500; addr++) {
-        h.mem(static_cast<uint16_t>(addr)) = 0xEA;
-    }
-    for (int addr = irq_handler; addr < nmi_handler + 0x100; addr++) {
-        h.mem(static_cast<uint16_t>(addr)) = 0xEA;
-    }
-    for (size_t i = 0; i < code.size(); i++) {
-        h.mem(static_cast<uint16_t>(0x0400 + i)) = code[i];
-    }
-    h.load(0xFFFA, {nmi_handler & 0xFF, nmi_handler >> 8});
-    h.load(0xFFFE, {irq_handler & 0xFF, irq_handler >> 8});
-    h.reset_to(0x0400);
-    w65c02_set_p(&h.cpu, p);
-}
-
-// Tick 1 fetches the first opcode. `input` is on the pins for the ticks from `from` up to `to`.
-// Returns the cycles that the ticks ask for, one per tick.
-std::vector<std::string> run(W65C02Harness& h, uint64_t input, int from, int to, int ticks = 24)
-{
-    std::vector<std::string> cycles;
-    for (int t = 1; t <= ticks; t++) {
-        h.set_input(input, t >= from && t < to);
-        h.tick();
-        cycles.push_back(h.cycle());
-    }
-    return cycles;
-}
-
 std::string joined(const std::vector<std::string>& cycles)
 {
     std::string text;
@@ -48,17 +14,6 @@ std::string joined(const std::vector<std::string>& cycles)
         text += (text.empty() ? "" : " ") + c;
     }
     return text;
-}
-
-// The fetch tick whose opcode an interrupt dropped (the tick before the first push), or 0.
-int taken_at(const std::vector<std::string>& cycles)
-{
-    for (size_t i = 0; i < cycles.size(); i++) {
-        if (cycles[i].rfind("W01", 0) == 0) {
-            return static_cast<int>(i);  // index i is tick i + 1; the fetch was the tick before
-        }
-    }
-    return 0;
 }
 
 struct InterruptCase
@@ -91,8 +46,8 @@ TEST_P(W65C02InterruptTest, TakesInterruptAtFetch)
 {
     const InterruptCase& row = GetParam();
     W65C02Harness h;
-    load_program(h, row.code, row.p);
-    EXPECT_EQ(taken_at(run(h, row.input, row.from, row.to)), row.expected);
+    h.load_program(row.code, row.p);
+    EXPECT_EQ(taken_at(h.run(row.input, row.from, row.to)), row.expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Timing, W65C02InterruptTest, testing::ValuesIn(interrupt_cases),
@@ -103,7 +58,7 @@ INSTANTIATE_TEST_SUITE_P(Timing, W65C02InterruptTest, testing::ValuesIn(interrup
 TEST(W65C02ControlTest, IrqClearsDInHandlerAndSetsVpOnVectorReadsOnly)
 {
     W65C02Harness h;
-    load_program(h, {}, cpu65_bf | cpu65_df | cpu65_cf);
+    h.load_program({}, cpu65_bf | cpu65_df | cpu65_cf);
     std::string trace;
     std::string vp;
     for (int t = 1; t <= 10; t++) {
@@ -138,7 +93,7 @@ TEST(W65C02ControlTest, InitThenSevenTicksRunTheResetSequence)
 TEST(W65C02ControlTest, ResInMidInstructionRestartsAtOnce)
 {
     W65C02Harness h;
-    load_program(h, {0x8D, 0x34, 0x12});  // STA abs: RES comes on its write cycle
+    h.load_program({0x8D, 0x34, 0x12});  // STA abs: RES comes on its write cycle
     h.load(0xFFFC, {0x00, 0x20});
     h.tick();
     h.tick();
@@ -158,9 +113,9 @@ TEST(W65C02ControlTest, ResInMidInstructionRestartsAtOnce)
 TEST(W65C02ControlTest, RdyStallsWriteCycles)
 {
     W65C02Harness h;
-    load_program(h, {0x85, 0x80});
+    h.load_program({0x85, 0x80});
     w65c02_set_a(&h.cpu, 0x55);
-    EXPECT_EQ(joined(run(h, cpu65_pin_rdy, 3, 5, 5)), "R0401 W0080=55 W0080=55 W0080=55 F0402");
+    EXPECT_EQ(joined(h.run(cpu65_pin_rdy, 3, 5, 5)), "R0401 W0080=55 W0080=55 W0080=55 F0402");
 }
 
 struct WaiCase
@@ -191,7 +146,7 @@ TEST_P(W65C02WaiTest, WaitsForAnInterruptLine)
 {
     const WaiCase& row = GetParam();
     W65C02Harness h;
-    load_program(h, {0xCB}, row.p);
+    h.load_program({0xCB}, row.p);
     std::vector<std::string> cycles;
     for (int t = 1; t <= 9; t++) {
         h.set_input(row.input, t >= 5);
@@ -212,14 +167,14 @@ INSTANTIATE_TEST_SUITE_P(Wai, W65C02WaiTest, testing::ValuesIn(wai_cases),
 TEST(W65C02ControlTest, WaiWithIrqAlreadyOnDoesNotWait)
 {
     W65C02Harness h;
-    load_program(h, {0xCB}, 0x34);
-    EXPECT_EQ(joined(run(h, cpu65_pin_irq, 1, 99, 4)), "R0401 R0401 F0401 R0402");
+    h.load_program({0xCB}, 0x34);
+    EXPECT_EQ(joined(h.run(cpu65_pin_irq, 1, 99, 4)), "R0401 R0401 F0401 R0402");
 }
 
 TEST(W65C02ControlTest, StpHandsBackPinsUntilRes)
 {
     W65C02Harness h;
-    load_program(h, {0xDB});
+    h.load_program({0xDB});
     h.load(0xFFFC, {0x00, 0x20});
     h.tick();
     EXPECT_EQ(h.cycle(), "R0401");
