@@ -94,6 +94,9 @@ void run_simulation(const Options& options)
         if (!options.silent || options.force_print)
             verifier->print(options.print_time_step, options.pins, options.nets, options.hex);
         sim_log.reset();
+    } catch (const ErrorWithPos& e) {
+        // Its text lives in the positioned part only; the plain one is empty.
+        printf("%s\n", e.pos_message().c_str());
     } catch (const Error& e) {
         printf("%s\n", e.message().c_str());
     }
@@ -119,6 +122,9 @@ int run_verification(const Options& options)
         if (!options.silent || options.force_print)
             verifier->print(options.print_time_step, options.pins, options.nets, options.hex);
         sim_log.reset();
+    } catch (const ErrorWithPos& e) {
+        printf("%s\n", e.pos_message().c_str());
+        return 1;
     } catch (const Error& e) {
         printf("%s\n", e.message().c_str());
         return 1;

@@ -16,6 +16,7 @@
 #include "Core/Components/HM62256B.h"
 #include "Core/Components/IDT7132LA.h"
 #include "Core/Components/MC27C64.h"
+#include "Core/Components/PLD/ATF22V10C.h"
 #include "Core/Components/SN74AS867.h"
 #include "Core/Components/Sources.h"
 #include "Core/Support/Error.h"
@@ -92,12 +93,12 @@ constexpr ComponentType components[] = {
     row<DM74x574>(),       // 74x574
     row<SN74x688>(),       // 74x688
     row<SN74AS867>(),      // 74AS867
-    // ATF22V10C
-    row<HM62256B>(),   // HM62256B
-    row<MC27C64>(),    // 27C64
-    row<IDT7132LA>(),  // IDT7132LA
-    row<MOS6502>(),    // MOS6502
-    row<W65C02>(),     // W65C02
+    row<ATF22V10C>(),      // ATF22V10C
+    row<HM62256B>(),       // HM62256B
+    row<MC27C64>(),        // 27C64
+    row<IDT7132LA>(),      // IDT7132LA
+    row<MOS6502>(),        // MOS6502
+    row<W65C02>(),         // W65C02
 };
 
 const ComponentType* find_type(const std::string& type)

@@ -11,7 +11,7 @@ src_dir=$(cd "$(dirname "$0")" && pwd)
 root_dir=$(cd "$src_dir/../.." && pwd)
 work_dir=$bin_dir/work
 dict=$src_dir/morvane.dict
-targets=${*:-"fuzz_circuit_file fuzz_test_vector_file fuzz_para_map fuzz_instance fuzz_component_options fuzz_pin_spec fuzz_value_text fuzz_driver"}
+targets=${*:-"fuzz_circuit_file fuzz_test_vector_file fuzz_para_map fuzz_instance fuzz_component_options fuzz_pin_spec fuzz_value_text fuzz_driver fuzz_pld_source"}
 
 # Fills the seed folder of one target.
 make_seeds() {
@@ -35,6 +35,12 @@ make_seeds() {
             [ -f "$f" ] || continue
             n=$((n + 1))
             cp "$f" "$seeds/e2e_$n.tv"
+        done ;;
+    fuzz_pld_source)
+        for f in "$root_dir"/tests/e2e/*/*.pld "$root_dir"/tests/e2e/*/*/*.pld "$root_dir"/examples/*/*.pld; do
+            [ -f "$f" ] || continue
+            n=$((n + 1))
+            cp "$f" "$seeds/e2e_$n.pld"
         done ;;
     fuzz_driver)
         # One case is its circuit file, a line "%%" and its test vector file.
