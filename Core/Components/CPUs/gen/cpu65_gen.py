@@ -189,6 +189,36 @@ class StepTable:
         """(mnemonic, mode, kind) of an opcode."""
         raise NotImplementedError
 
+    @staticmethod
+    def decode_shared(op):
+        """(mnemonic, mode, kind) of an opcode in the rows that both maps agree on, None elsewhere. A
+        core's decode settles its own exceptions in these rows before it asks."""
+        aaa, bbb, cc = fields(op)
+        if cc == 1:
+            name = GROUP01[aaa]
+            return name, MODES01[bbb], "write" if name == "STA" else "read"
+        if cc == 2 and bbb == 2:
+            return ACCUMULATOR_ROW[aaa], "acc" if aaa < 4 else "imp", "implied"
+        if cc == 2 and bbb in (1, 3, 5, 7):
+            name = GROUP10[aaa]
+            mode = {1: "zp", 3: "abs", 5: "zpx", 7: "absx"}[bbb]
+            if name in ("STX", "LDX"):
+                mode = mode.replace("x", "y")
+            return name, mode, {"STX": "write", "LDX": "read"}.get(name, "rmw")
+        if cc != 0:
+            return None
+        if bbb == 4:
+            return BRANCH_ROW[aaa], "rel", "branch"
+        if bbb == 6:
+            return FLAG_ROW[aaa], "imp", "implied"
+        if bbb == 0 and aaa < 4:
+            return ["BRK", "JSR", "RTI", "RTS"][aaa], "imp" if aaa != 1 else "abs", "special"
+        if bbb == 2:
+            return STACK_ROW[aaa], "imp", "special" if aaa < 4 else "implied"
+        if bbb == 3 and aaa in (2, 3):
+            return "JMP", "abs" if aaa == 2 else "ind", "special"
+        return None
+
     def indexed_steps(self, mode, kind):
         """Steps and operand address of absolute,X and Y and of (indirect),Y."""
         raise NotImplementedError

@@ -13,8 +13,8 @@ import sys
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "gen"))
 
-from cpu65_gen import (ACCUMULATOR_ROW, BRANCH_ROW, BRK_ENTRY, FETCH, FLAG_ROW, GROUP01, GROUP10,  # noqa: E402
-                       MODES01, RMW_OPS, SPECIAL_STEPS, STACK_ROW, WRITE_OPS, StepTable, fields)
+from cpu65_gen import (BRK_ENTRY, FETCH, MODES01, RMW_OPS, SPECIAL_STEPS, WRITE_OPS, StepTable,  # noqa: E402
+                       fields)
 
 
 def skip_unless_crossing(index):
@@ -99,54 +99,27 @@ class M6502Steps(StepTable):
 
     def decode(self, op):
         """(mnemonic, mode, kind) of an opcode, from its aaabbbcc bits."""
+        own = {0x89: ("NOP", "imm", "read"), 0xA2: ("LDX", "imm", "read"), 0x9E: ("SHX", "absy", "write"),
+               0x9C: ("SHY", "absx", "write"), 0x9A: ("TXS", "imp", "implied"), 0xBA: ("TSX", "imp", "implied")}
+        if op in own:
+            return own[op]
+        shared = self.decode_shared(op)
+        if shared is not None:
+            return shared
         aaa, bbb, cc = fields(op)
-        if cc == 1:
-            name = GROUP01[aaa]
-            if op == 0x89:
-                return "NOP", "imm", "read"
-            return name, MODES01[bbb], "write" if name == "STA" else "read"
         if cc == 2:
-            name = GROUP10[aaa]
-            if bbb == 0:
-                if op == 0xA2:
-                    return "LDX", "imm", "read"
-                if op in (0x82, 0xC2, 0xE2):
-                    return "NOP", "imm", "read"
-                return "JAM", "imp", "special"
-            if bbb == 2:
-                return ACCUMULATOR_ROW[aaa], \
-                    "acc" if aaa < 4 else "imp", "implied"
-            if bbb == 4:
-                return "JAM", "imp", "special"
+            if op in (0x82, 0xC2, 0xE2):
+                return "NOP", "imm", "read"
             if bbb == 6:
-                return {0x9A: "TXS", 0xBA: "TSX"}.get(op, "NOP"), "imp", "implied"
-            mode = {1: "zp", 3: "abs", 5: "zpx", 7: "absx"}[bbb]
-            if name in ("STX", "LDX"):
-                mode = mode.replace("x", "y")
-            if op == 0x9E:
-                return "SHX", "absy", "write"
-            kind = {"STX": "write", "LDX": "read"}.get(name, "rmw")
-            return name, mode, kind
+                return "NOP", "imp", "implied"
+            return "JAM", "imp", "special"  # bbb = 000 and 100
         if cc == 0:
-            if bbb == 4:
-                return BRANCH_ROW[aaa], "rel", "branch"
-            if bbb == 6:
-                return FLAG_ROW[aaa], "imp", "implied"
             if bbb == 0:
-                if aaa < 4:
-                    return ["BRK", "JSR", "RTI", "RTS"][aaa], "imp" if aaa != 1 else "abs", "special"
                 return ["NOP", "LDY", "CPY", "CPX"][aaa - 4], "imm", "read"
-            if bbb == 2:
-                name = STACK_ROW[aaa]
-                return name, "imp", "special" if aaa < 4 else "implied"
-            if bbb == 3 and aaa in (2, 3):
-                return "JMP", "abs" if aaa == 2 else "ind", "special"
             mode = {1: "zp", 3: "abs", 5: "zpx", 7: "absx"}[bbb]
             name = ["NOP", "BIT", "NOP", "NOP", "STY", "LDY", "CPY", "CPX"][aaa]
             if bbb in (5, 7) and aaa not in (4, 5):
                 name = "NOP"
-            if op == 0x9C:
-                return "SHY", "absx", "write"
             return name, mode, "write" if name == "STY" else "read"
         # cc == 3: the undocumented combinations.
         name = ["SLO", "RLA", "SRE", "RRA", "SAX", "LAX", "DCP", "ISB"][aaa]
@@ -162,7 +135,6 @@ class M6502Steps(StepTable):
         if name == "LAX":
             return name, {5: "zpy", 7: "absy"}.get(bbb, mode), "read"
         return name, mode, "rmw"
-
 
 if __name__ == "__main__":
     M6502Steps().main()

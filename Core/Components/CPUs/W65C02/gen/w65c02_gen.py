@@ -15,10 +15,9 @@ import sys
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "gen"))
 
-from cpu65_gen import (ACCUMULATOR_ROW, BRANCH_CONDITIONS, BRANCH_ROW, BRK_ENTRY, FETCH,  # noqa: E402
-                       FLAG_ROW, GROUP01, GROUP10, IMPLIED_OPS, MODE_SYNTAX, MODES01, RMW_OPS,
-                       SPECIAL_STEPS, STACK_ROW, WRITE_OPS, StepTable, fields, join, pull_steps,
-                       push_steps)
+from cpu65_gen import (BRANCH_CONDITIONS, BRK_ENTRY, FETCH, GROUP01, IMPLIED_OPS,  # noqa: E402
+                       MODE_SYNTAX, RMW_OPS, SPECIAL_STEPS, WRITE_OPS, StepTable, fields, join,
+                       pull_steps, push_steps)
 
 # ADC and SBC with D set take one more cycle, which puts N and Z right from the decimal result.
 DECIMAL_OPS = ("ADC", "SBC")
@@ -147,56 +146,29 @@ class W65C02Steps(StepTable):
 
     def decode(self, op):
         """(mnemonic, mode, kind) of an opcode, from its aaabbbcc bits."""
+        own = {0x89: ("BIT imm", "imm", "read"), 0xA2: ("LDX", "imm", "read"), 0x9E: ("STZ", "absx", "write"),
+               0x80: ("BRA", "rel", "branch"), 0x7C: ("JMP", "absxi", "special"),
+               0x5C: ("NOP 5C", "abs", "special"), 0xCB: ("WAI", "imp", "special"),
+               0xDB: ("STP", "imp", "special")}
+        if op in own:
+            return own[op]
+        shared = self.decode_shared(op)
+        if shared is not None:
+            return shared
         aaa, bbb, cc = fields(op)
-        if cc == 1:
-            name = GROUP01[aaa]
-            if op == 0x89:
-                return "BIT imm", "imm", "read"
-            return name, MODES01[bbb], "write" if name == "STA" else "read"
         if cc == 2:
-            name = GROUP10[aaa]
             if bbb == 0:
-                if op == 0xA2:
-                    return "LDX", "imm", "read"
                 return "NOP", "imm", "read"
-            if bbb == 2:
-                return ACCUMULATOR_ROW[aaa], \
-                    "acc" if aaa < 4 else "imp", "implied"
             if bbb == 4:
                 name = GROUP01[aaa]
                 return name, "zpi", "write" if name == "STA" else "read"
-            if bbb == 6:
-                name = ["INC", "DEC", "PHY", "PLY", "TXS", "TSX", "PHX", "PLX"][aaa]
-                if aaa < 2:
-                    return name, "acc", "implied"
-                return name, "imp", "implied" if name in ("TXS", "TSX") else "special"
-            mode = {1: "zp", 3: "abs", 5: "zpx", 7: "absx"}[bbb]
-            if op == 0x9E:
-                return "STZ", "absx", "write"
-            if name in ("STX", "LDX"):
-                mode = mode.replace("x", "y")
-            kind = {"STX": "write", "LDX": "read"}.get(name, "rmw")
-            return name, mode, kind
+            name = ["INC", "DEC", "PHY", "PLY", "TXS", "TSX", "PHX", "PLX"][aaa]  # bbb = 110
+            if aaa < 2:
+                return name, "acc", "implied"
+            return name, "imp", "implied" if name in ("TXS", "TSX") else "special"
         if cc == 0:
-            if bbb == 4:
-                return BRANCH_ROW[aaa], "rel", "branch"
-            if bbb == 6:
-                return FLAG_ROW[aaa], "imp", "implied"
             if bbb == 0:
-                if aaa < 4:
-                    return ["BRK", "JSR", "RTI", "RTS"][aaa], "imp" if aaa != 1 else "abs", "special"
-                if aaa == 4:
-                    return "BRA", "rel", "branch"
                 return ["LDY", "CPY", "CPX"][aaa - 5], "imm", "read"
-            if bbb == 2:
-                name = STACK_ROW[aaa]
-                return name, "imp", "special" if aaa < 4 else "implied"
-            if bbb == 3 and aaa in (2, 3):
-                return "JMP", "abs" if aaa == 2 else "ind", "special"
-            if op == 0x7C:
-                return "JMP", "absxi", "special"
-            if op == 0x5C:
-                return "NOP 5C", "abs", "special"
             mode = {1: "zp", 3: "abs", 5: "zpx", 7: "absx"}[bbb]
             names = {1: ["TSB", "BIT", "NOP", "STZ", "STY", "LDY", "CPY", "CPX"],
                      3: ["TSB", "BIT", None, None, "STY", "LDY", "CPY", "CPX"],
@@ -217,10 +189,6 @@ class W65C02Steps(StepTable):
             return f"{'SMB' if setting else 'RMB'}{n}", "zp", "rmw"
         if bbb in (3, 7):
             return f"{'BBS' if setting else 'BBR'}{n}", "zprel", "bitbranch"
-        if op == 0xCB:
-            return "WAI", "imp", "special"
-        if op == 0xDB:
-            return "STP", "imp", "special"
         return "NOP1", "imp", "special"
 
 
