@@ -2,12 +2,14 @@
 // as MOS6502 does, with these differences:
 // - "BE" (bus enable, active high) floats "A", "D" and "R/W" t_bvd after it falls and drives them
 //   again t_bvd after it rises; at U they go undefined. Such a state holds until the next flank of
-//   "BE", also over what the last clock change had planted on the lines. The processor keeps running
-//   meanwhile: the clock step puts address, data and R/W on three inner ports, and each clock change copies
-//   what they hold at t_ah, t_ads (and t_dhw, t_mds for the data) onto the pins while "BE" allows.
+//   "BE", also over what the last clock change had planted on the lines. The processor keeps
+//   running meanwhile: the clock step puts address, data and R/W on three inner ports, and each
+//   clock change copies what they hold at t_ah, t_ads (and t_dhw, t_mds for the data) onto the pins
+//   while "BE" allows.
 // - "_VP" is L while the core reads an interrupt vector, timed like "R/W".
 // - "SYNC" goes straight to its new level at t_ads, and is L from before the first event.
-// - "_RES" low releases the data bus t_dhw after any input change, a write cycle included.
+// - "_RES" low releases the data bus at any input change, in a write cycle too: the inner data port
+//   floats t_dhw later, and the pins follow at the next clock change.
 // - The inputs are refreshed from their nets at every evaluation, and the outputs change only on a
 //   clock change or through "BE".
 // - RDY is read from its pin at every evaluation, over the RDY that WAI hands back: with "RDY" high

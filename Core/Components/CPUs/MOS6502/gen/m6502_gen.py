@@ -99,8 +99,9 @@ class M6502Steps(StepTable):
 
     def decode(self, op):
         """(mnemonic, mode, kind) of an opcode, from its aaabbbcc bits."""
-        own = {0x89: ("NOP", "imm", "read"), 0xA2: ("LDX", "imm", "read"), 0x9E: ("SHX", "absy", "write"),
-               0x9C: ("SHY", "absx", "write"), 0x9A: ("TXS", "imp", "implied"), 0xBA: ("TSX", "imp", "implied")}
+        own = {0x89: ("NOP", "imm", "read"), 0xA2: ("LDX", "imm", "read"),
+               0x9E: ("SHX", "absy", "write"), 0x9C: ("SHY", "absx", "write"),
+               0x9A: ("TXS", "imp", "implied"), 0xBA: ("TSX", "imp", "implied")}
         if op in own:
             return own[op]
         shared = self.decode_shared(op)
