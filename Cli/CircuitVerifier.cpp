@@ -2,6 +2,7 @@
 
 #include "Core/Circuit/Circuit.h"
 #include "Core/Circuit/CircuitSpec.h"
+#include "Core/Circuit/HistoryWindows.h"
 #include "Core/Components/ComponentOptions.h"
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Simulation/Net.h"
@@ -16,6 +17,7 @@
 
 #include <exception>
 #include <memory>
+#include <set>
 
 namespace {
 
@@ -173,9 +175,53 @@ void CircuitVerifier::check_circuit()
     _circuit->check_connections();
 }
 
+void CircuitVerifier::set_single_run(const std::string& pins, const std::string& nets)
+{
+    _single_run = true;
+    _read_pins = pins;
+    _read_nets = nets;
+    simulator()->set_keep_finished_slots(false);
+}
+
+void CircuitVerifier::_window_histories_of_single_run()
+{
+    // What the comparison and the table read after the run stays whole; so do the histories that a
+    // column's port reads through.
+    std::set<const ValueHistory*> read_after;
+    auto read_port = [&](const std::string& name) {
+        if (const Port* port = _circuit->find_port(name))
+            add_histories_read_through(port, read_after);
+    };
+    auto read_net = [&](const std::string& name) {
+        if (const Net* net = _circuit->find_net(name))
+            read_after.insert(net);
+    };
+    const TestVectorHeader* header = _test_sequence->header();
+    for (int i = 0; i < header->nof_inputs(); ++i)
+        read_port(header->input_name(i));
+    for (const auto& [name, port] : _drivers) {
+        if (port != nullptr)
+            add_histories_read_through(port, read_after);
+    }
+    for (int i = 0; i < header->nof_outputs(); ++i) {
+        if (header->is_output_net(i))
+            read_net(header->output_name(i));
+        else
+            read_port(header->output_name(i));
+    }
+    for (const std::string& name : csv_string_to_vector(_read_pins))
+        read_port(name);
+    for (const std::string& name : csv_string_to_vector(_read_nets))
+        read_net(name);
+    window_histories(*_circuit, read_after);
+}
+
 void CircuitVerifier::simulate()
 {
     set_component_options_from_test_sequence();
+    // After the options: they may change the delays that the windows cover.
+    if (_single_run)
+        _window_histories_of_single_run();
     if (_run_listener)
         _run_listener(true);
     simulator()->simulate(_simulation_time + 1);

@@ -42,6 +42,11 @@ public:
 
     /// Warns of every unconnected input, through the circuit's log.
     void check_circuit();
+    /// For a caller that runs once and afterwards reads only the test's columns and the ports and
+    /// nets named here (comma lists, as -p and -n take them): the run then frees what it no longer
+    /// needs as it goes, finished time slots and all history that no part reads back any more.
+    /// Without this call everything is kept and a second run replays the first.
+    void set_single_run(const std::string& pins, const std::string& nets);
     /// A run without comparison.
     void simulate();
     /// Told `true` as the engine starts a run and `false` as it ends, for a display of progress.
@@ -56,6 +61,8 @@ public:
 
 private:
     void _init(Circuit* circuit, int time);
+    /// Windows for every history that a single run doesn't read afterwards.
+    void _window_histories_of_single_run();
     void _release();
     void _build_driver_pin_list();
     void _put_driver_into_list(const std::string& name);
@@ -77,6 +84,9 @@ private:
     bool _owns_circuit = false;                       // built from a file name
     bool _owns_test_sequence = false;                 // read from a file name
     bool _check_outputs = true;                       // whether verify compares
+    bool _single_run = false;                         // runs once, reads back only what is named
+    std::string _read_pins;                           // -p list of a single run
+    std::string _read_nets;                           // -n list of a single run
     std::map<Component*, ParaMap> _saved_parameters;  // parameters to bring back after a run
     std::function<void(bool)> _run_listener;          // may be empty
 };

@@ -122,15 +122,30 @@ bool run_reporting_errors(const std::function<void()>& action)
     return false;
 }
 
+namespace {
+
+// morvane runs once and reads back only the test's columns and what -p and -n name, so the run may
+// forget the rest as it goes.
+RunHooks single_run(const Options& options)
+{
+    RunHooks hooks;
+    hooks.before_run = [&options](CircuitVerifier& verifier) {
+        verifier.set_single_run(options.pins, options.nets);
+    };
+    return hooks;
+}
+
+}  // namespace
+
 void run_simulation(const Options& options)
 {
-    run_reporting_errors([&] { run_circuit(options); });
+    run_reporting_errors([&] { run_circuit(options, single_run(options)); });
 }
 
 int run_verification(const Options& options)
 {
     int failures = 0;
-    if (!run_reporting_errors([&] { failures = run_circuit(options); }))
+    if (!run_reporting_errors([&] { failures = run_circuit(options, single_run(options)); }))
         return 1;
     return failures;
 }

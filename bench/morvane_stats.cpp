@@ -2,9 +2,10 @@
 //
 //     morvane_stats CIRCUIT.ctc TEST.tv
 //
-// prints one line of key=value pairs: load and simulation time, net value changes (events) up to
-// the end of the run, actions and component evaluations, history entries and the memory they and
-// the kept actions take, and the peak resident memory.
+// prints one line of key=value pairs: load and simulation time, net value changes (events), actions
+// and component evaluations, the history entries left after the run and the memory they and the
+// kept actions take, and the peak resident memory. It runs as the command line does: once, with
+// windows on every history that the test doesn't read.
 #include "Cli/CircuitVerifier.h"
 #include "Core/Circuit/Circuit.h"
 #include "Core/Simulation/EventSimulator.h"
@@ -21,34 +22,19 @@ namespace {
 
 struct Tally
 {
-    std::uint64_t events = 0;          // net value changes up to the end time
     std::uint64_t net_entries = 0;     // history entries of nets
     std::uint64_t port_entries = 0;    // history entries of ports
     std::uint64_t narrow_entries = 0;  // entries of histories of 8 bits or fewer
     std::uint64_t nets = 0;            // nets walked
 };
 
-// Changes against the value before, which is all u before the first entry.
-void count_changes(const Net& net, int end_time, Tally& tally)
-{
-    Value previous(static_cast<int>(net.size()));
-    for (const auto& entry : net.entries()) {
-        if (entry.time > end_time)
-            break;
-        if (entry.value != previous)
-            ++tally.events;
-        previous = entry.value;
-    }
-}
-
-void walk(const Circuit& circuit, int end_time, Tally& tally)
+void walk(const Circuit& circuit, Tally& tally)
 {
     for (const Net* net : circuit.nets()) {
         ++tally.nets;
         tally.net_entries += net->nof_values();
         if (net->size() <= 8)
             tally.narrow_entries += net->nof_values();
-        count_changes(*net, end_time, tally);
     }
     for (const Component* part : circuit.components()) {
         for (const Port* port : part->ports()) {
@@ -57,7 +43,7 @@ void walk(const Circuit& circuit, int end_time, Tally& tally)
                 tally.narrow_entries += port->nof_values();
         }
         if (const auto* inner = dynamic_cast<const Circuit*>(part))
-            walk(*inner, end_time, tally);
+            walk(*inner, tally);
     }
 }
 
@@ -89,6 +75,7 @@ int main(int argc, char** argv)
     try {
         auto start = std::chrono::steady_clock::now();
         CliCircuitVerifier verifier(argv[1], argv[2], 0);
+        verifier.set_single_run("", "");
         double load_s = seconds_since(start);
         long loaded_kb = resident_kb();
         std::size_t loaded_history_bytes = HistoryRecords::bytes_in_use();
@@ -99,26 +86,28 @@ int main(int argc, char** argv)
 
         EventSimulator* engine = simulator();
         Tally tally;
-        walk(*verifier.circuit(), engine->max_time(), tally);
+        walk(*verifier.circuit(), tally);
         rusage usage{};
         getrusage(RUSAGE_SELF, &usage);
         std::uint64_t entries = tally.net_entries + tally.port_entries;
+        std::uint64_t events = Net::nof_recorded_updates();
         double history_bytes = static_cast<double>(HistoryRecords::bytes_in_use() - loaded_history_bytes);
         double grown_kb = static_cast<double>(usage.ru_maxrss - loaded_kb);
-        std::printf("STATS load_s=%.3f sim_s=%.3f end_time=%d events=%llu actions=%llu evaluations=%llu "
-                    "nets=%llu net_entries=%llu port_entries=%llu narrow_entries=%llu kept_actions=%zu "
-                    "history_bytes_per_entry=%.1f rss_bytes_per_entry=%.1f loaded_kb=%ld maxrss_kb=%ld "
-                    "events_per_s=%.0f\n",
-                    load_s, sim_s, engine->max_time(), static_cast<unsigned long long>(tally.events),
-                    static_cast<unsigned long long>(engine->nof_actions_run()),
-                    static_cast<unsigned long long>(engine->nof_evaluations_run()),
-                    static_cast<unsigned long long>(tally.nets),
-                    static_cast<unsigned long long>(tally.net_entries),
-                    static_cast<unsigned long long>(tally.port_entries),
-                    static_cast<unsigned long long>(tally.narrow_entries), engine->nof_actions_kept(),
-                    entries != 0 ? history_bytes / static_cast<double>(entries) : 0.0,
-                    entries != 0 ? grown_kb * 1024.0 / static_cast<double>(entries) : 0.0, loaded_kb,
-                    usage.ru_maxrss, sim_s > 0 ? static_cast<double>(tally.events) / sim_s : 0.0);
+        std::printf(
+            "STATS load_s=%.3f sim_s=%.3f end_time=%d events=%llu actions=%llu evaluations=%llu "
+            "nets=%llu net_entries=%llu port_entries=%llu narrow_entries=%llu kept_actions=%zu "
+            "history_bytes_per_entry=%.1f rss_bytes_per_entry=%.1f rss_bytes_per_event=%.1f loaded_kb=%ld "
+            "maxrss_kb=%ld events_per_s=%.0f\n",
+            load_s, sim_s, engine->max_time(), static_cast<unsigned long long>(events),
+            static_cast<unsigned long long>(engine->nof_actions_run()),
+            static_cast<unsigned long long>(engine->nof_evaluations_run()),
+            static_cast<unsigned long long>(tally.nets), static_cast<unsigned long long>(tally.net_entries),
+            static_cast<unsigned long long>(tally.port_entries),
+            static_cast<unsigned long long>(tally.narrow_entries), engine->nof_actions_kept(),
+            entries != 0 ? history_bytes / static_cast<double>(entries) : 0.0,
+            entries != 0 ? grown_kb * 1024.0 / static_cast<double>(entries) : 0.0,
+            events != 0 ? grown_kb * 1024.0 / static_cast<double>(events) : 0.0, loaded_kb, usage.ru_maxrss,
+            sim_s > 0 ? static_cast<double>(events) / sim_s : 0.0);
     } catch (const Error& e) {
         std::printf("%s\n", e.message().c_str());
         return 1;

@@ -3,7 +3,7 @@
 # sizes through morvane_stats, one table row per case.
 #
 #   bench/run_bench.sh [--quick] [--no-micro] [--sizes "1000 10000"] [--kinds "chain mesh"]
-#                      [--times "10000 20000"] [--board-times "20000000"] [--peer]
+#                      [--times "10000 20000"] [--board-times "20000000"] [--peer] [--memory]
 #
 # --kinds "" skips the generated circuits. --times runs every kind and size at each of the given
 # simulated times instead of one chosen by size: rows of one size then show the cost growing with
@@ -11,6 +11,12 @@
 #
 # --board-times runs the 6502 board of examples/board6502 (processor, RAM, EPROM, glue logic, a
 # 1 MHz clock) for each simulated time in ns; "" skips it.
+#
+# --memory prints the memory of long runs instead of the tables below: the board for 0.02, 0.2 and
+# 2 s of simulated time (or --board-times) with cycles per wall second, peak memory and bytes of it
+# per simulated cycle, so that rows of growing time show whether the cost is linear in time; then
+# the generated circuits of --kinds and --sizes (default chain and mesh, 1000 and 10000, at
+# --times or 50000 ns) with the growth of resident memory per recorded net update.
 #
 # --peer also runs the yardstick circuits of ../shared/bench/gen.py (chain and mesh, N = 1000 and
 # 10000) through morvane beside the peer's script run_peer.sh, and prints the ratio of events/s.
@@ -25,17 +31,22 @@ kinds="chain mesh fanout bus"
 quick=0
 micro=1
 peer=0
+memory=0
 times=""
 board_times="20000000"
+sizes_given=""
+kinds_given=""
+board_times_given=""
 while [ $# -gt 0 ]; do
     case $1 in
     --quick) quick=1; sizes="1000 10000" ;;
     --no-micro) micro=0 ;;
-    --sizes) sizes=$2; shift ;;
-    --kinds) kinds=$2; shift ;;
+    --sizes) sizes=$2; sizes_given=$2; shift ;;
+    --kinds) kinds=$2; kinds_given=$2; shift ;;
     --times) times=$2; shift ;;
-    --board-times) board_times=$2; shift ;;
+    --board-times) board_times=$2; board_times_given=$2; shift ;;
     --peer) peer=1 ;;
+    --memory) memory=1; micro=0 ;;
     *) echo "unknown option $1" >&2; exit 2 ;;
     esac
     shift
@@ -81,6 +92,42 @@ run_case() {
 }
 
 field() { echo "$1" | tr ' ' '\n' | sed -n "s/^$2=//p" | head -1; }
+
+# The memory of long runs, as morvane runs them: once, with windows on what the test doesn't read.
+if [ $memory = 1 ]; then
+    echo "## 6502 board (examples/board6502, 1 MHz clock)"
+    echo
+    echo "| T ns | clock cycles | sim s | cycles per wall s | peak RSS MB | bytes per cycle |"
+    echo "|---|---|---|---|---|---|"
+    for t in ${board_times_given:-20000000 200000000 2000000000}; do
+        dir="$work/board6502_T$t"
+        mkdir -p "$dir"
+        cp "$root/examples/board6502/board.ctc" "$dir/circuit.ctc"
+        printf 'time nc => leds\n0 L XX\n%d L XX\n' "$t" >"$dir/test.tv"
+        line=$(run_case "$dir")
+        awk -v t="$t" -v s="$(field "$line" sim_s)" -v w="$(field "$line" wall_s)" \
+            -v r="$(field "$line" time_maxrss_kb)" 'BEGIN {
+            c = t / 1000
+            printf "| %d | %d | %.2f | %.0f k | %.0f | %.0f |\n", t, c, s, (w > 0 ? c / w / 1e3 : 0), r / 1024, r * 1024 / c }'
+    done
+    echo
+    echo "## Generated circuits"
+    echo
+    echo "| kind | N | T ns | events | peak RSS MB | RSS growth bytes per event |"
+    echo "|---|---|---|---|---|---|"
+    for kind in ${kinds_given:-chain mesh}; do
+        for n in ${sizes_given:-1000 10000}; do
+            t=${times:-50000}
+            dir="$work/${kind}_N${n}_T${t}"
+            [ -f "$dir/circuit.ctc" ] || python3 "$here/gen_bench.py" "$kind" "$n" "$t" --out "$dir" >/dev/null
+            line=$(run_case "$dir")
+            awk -v k="$kind" -v n="$n" -v t="$t" -v e="$(field "$line" events)" \
+                -v r="$(field "$line" time_maxrss_kb)" -v b="$(field "$line" rss_bytes_per_event)" 'BEGIN {
+                printf "| %s | %d | %d | %d | %.0f | %s |\n", k, n, t, e, r / 1024, b }'
+        done
+    done
+    exit 0
+fi
 
 echo
 echo "## Generated circuits"

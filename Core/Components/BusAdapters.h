@@ -56,6 +56,8 @@ public:
     std::vector<std::string> get_valid_param_keys() override { return {"out"}; }
     /// The ports are fixed at construction.
     void update_after_param_change() override {}
+    /// Reads its ports at the present only.
+    int history_reach() const override { return 0; }
 
 private:
     unsigned _get_size_from_params() const;
@@ -86,6 +88,8 @@ public:
     std::vector<std::string> get_valid_param_keys() override { return {"in"}; }
     /// The ports are fixed at construction.
     void update_after_param_change() override {}
+    /// Reads its ports at the present only.
+    int history_reach() const override { return 0; }
 
 private:
     unsigned _get_size_from_params() const;
@@ -119,6 +123,8 @@ public:
     std::vector<std::string> get_valid_param_keys() override { return {"out"}; }
     /// The ports are fixed at construction.
     void update_after_param_change() override {}
+    /// Reads its ports at the present only.
+    int history_reach() const override { return 0; }
 
     Net* net() const { return _net.get(); }
     unsigned size() const { return _size; }

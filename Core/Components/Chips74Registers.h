@@ -153,6 +153,8 @@ public:
     void port_changed_value(Port* port, const Value& old_value, const Value& new_value, int time) override;
     /// The family's delay, or "delay" if given; an unknown family throws Error.
     void update_after_param_change() override;
+    /// Inputs one delay back, and the clock as it stood before the change that asked for this run.
+    int history_reach() const override { return _delay + 1; }
     std::string aux_info_string() override;
 
     int delay() const { return _delay; }

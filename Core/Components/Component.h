@@ -8,6 +8,7 @@
 #include "Core/Simulation/ValueHistory.h"
 #include "Core/Support/SimLog.h"
 
+#include <climits>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,10 @@ public:
     virtual std::string aux_info_string();
     /// The parent's sink; null without a parent.
     virtual SimLog* sim_log() const;
+    /// How far before the present, in ns, the part reads the histories of its ports and of the nets
+    /// on them: what a run that forgets the rest must keep. A part that can't say is unbounded.
+    virtual int history_reach() const { return unbounded_reach; }
+    static constexpr int unbounded_reach = INT_MAX;
 
     /// Made by the own factory and added.
     Port* make_port(int size, Morvane::Dir dir, const std::string& name);

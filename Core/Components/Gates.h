@@ -35,6 +35,8 @@ public:
 
     /// Sets "out" at `time` from the inputs as they stood at `time` - delay.
     void evaluate(int time) override;
+    /// The inputs are read one delay back.
+    int history_reach() const override { return delay(); }
 
 protected:
     Gate(const char* class_name, const std::string& instance_name, const ParaMap& params)

@@ -42,6 +42,8 @@ public:
     /// "delay", then the loader keys.
     std::vector<std::string> get_valid_param_keys() override;
     void update_after_param_change() override;
+    /// Every input is read one delay back.
+    int history_reach() const override { return delay(); }
 
     unsigned word_count() const override { return nof_words; }
     unsigned word_size() const override { return 8; }

@@ -32,6 +32,8 @@ public:
     void evaluate(int) override {}
     std::vector<std::string> get_valid_param_keys() override { return {}; }
     void update_after_param_change() override {}
+    /// Reads its ports at the present only.
+    int history_reach() const override { return 0; }
 
 protected:
     LevelSource(const char* class_name, const std::string& instance_name, char level);
@@ -121,6 +123,8 @@ public:
     std::vector<std::string> get_valid_param_keys() override { return {"size", "value"}; }
     /// Reads "size" and "value" again; the port keeps its width.
     void update_after_param_change() override;
+    /// Reads its ports at the present only.
+    int history_reach() const override { return 0; }
 
     unsigned size() const { return _size; }
     const Value& value() const { return _value; }
@@ -151,6 +155,8 @@ public:
     std::vector<std::string> get_valid_param_keys() override { return {"delay", "inverted"}; }
     /// "inverted" is a number; above 0 inverts, and a missing key means not inverted.
     void update_after_param_change() override;
+    /// Reads its ports at the present only.
+    int history_reach() const override { return 0; }
 
     int delay() const { return _delay; }
     bool inverted() const { return _inverted; }
@@ -178,6 +184,8 @@ public:
     void evaluate(int) override {}
     std::vector<std::string> get_valid_param_keys() override { return {"frequency", "offset"}; }
     void update_after_param_change() override;
+    /// Reads its ports at the present only.
+    int history_reach() const override { return 0; }
 
     float frequency() const { return _frequency; }
     int offset() const { return _offset; }

@@ -20,41 +20,90 @@ ActionStore::~ActionStore()
         release_huge(chunk, chunk_bytes);
 }
 
-std::uint32_t ActionStore::_add_with_letters_or_chunk(void* target, Port* port, const Value* value)
+std::uint32_t ActionStore::_new_record()
 {
+    if (_free_records != ActionRecord::none) {
+        std::uint32_t id = _free_records;
+        _free_records = (*this)[id].next;
+        --_nof_free;
+        return id;
+    }
     if ((_count & chunk_mask) == 0) {
         if ((_count >> chunk_shift) == _chunks.size())
             _chunks.push_back(static_cast<ActionRecord*>(allocate_huge(chunk_bytes)));
         _chunk = _chunks[_count >> chunk_shift];
     }
+    return _count++;
+}
+
+std::uint32_t ActionStore::_place_letters(std::size_t bytes)
+{
+    if (_reuse) {
+        // Size classes, so that a released block serves any later value of its class.
+        unsigned size_class = 0;
+        while ((std::size_t{8} << size_class) < bytes)
+            ++size_class;
+        if (std::uint32_t block = _free_letters[size_class]) {
+            std::memcpy(&_free_letters[size_class], _letters_at(block), sizeof block);
+            return block;
+        }
+        bytes = std::size_t{8} << size_class;
+    }
+    if (_letters_used + bytes > chunk_bytes || _letters == nullptr) {
+        if (_letters != nullptr)
+            ++_letter_chunk;
+        _letters_used = 0;
+        if (_letter_chunk == _letter_chunks.size())
+            _letter_chunks.push_back(static_cast<unsigned char*>(allocate_huge(chunk_bytes)));
+        _letters = _letter_chunks[_letter_chunk];
+    }
+    auto where = static_cast<std::uint32_t>(_letter_chunk * chunk_bytes + _letters_used) + 1;
+    _letters_used += bytes;
+    return _reuse ? where | in_block : where;
+}
+
+std::uint32_t ActionStore::_add_with_letters_or_chunk(void* target, Port* port, const Value* value)
+{
     std::uint32_t where = 0;
     if (value != nullptr) {
         unsigned width = value->size();
-        std::size_t need = 1 + width;
-        if (_letters_used + need > chunk_bytes || _letters == nullptr) {
-            if (_letters != nullptr)
-                ++_letter_chunk;
-            _letters_used = 0;
-            if (_letter_chunk == _letter_chunks.size())
-                _letter_chunks.push_back(static_cast<unsigned char*>(allocate_huge(chunk_bytes)));
-            _letters = _letter_chunks[_letter_chunk];
-        }
-        unsigned char* place = _letters + _letters_used;
+        where = _place_letters(1 + std::size_t{width});
+        unsigned char* place = _letters_at(where);
         place[0] = static_cast<unsigned char>(width);
         const char* letters = value->c_str();
         for (unsigned i = 0; i < width; ++i)
             place[1 + i] = static_cast<unsigned char>(letters[i]);
-        where = static_cast<std::uint32_t>(_letter_chunk * chunk_bytes + _letters_used) + 1;
-        _letters_used += need;
     }
-    std::uint32_t id = _count++;
-    _chunk[id & chunk_mask] = ActionRecord{target, port, ActionRecord::none, where};
+    std::uint32_t id = _new_record();
+    (*this)[id] = ActionRecord{target, port, ActionRecord::none, where};
     return id;
+}
+
+void ActionStore::release(std::uint32_t first)
+{
+    if (first == ActionRecord::none)
+        return;
+    std::uint32_t last = first;
+    for (std::uint32_t id = first; id != ActionRecord::none; id = (*this)[id].next) {
+        last = id;
+        ++_nof_free;
+        std::uint32_t block = (*this)[id].value;
+        if ((block & in_block) == 0)
+            continue;
+        unsigned char* letters = _letters_at(block);
+        unsigned size_class = 0;
+        while ((std::size_t{8} << size_class) < 1 + std::size_t{letters[0]})
+            ++size_class;
+        std::memcpy(letters, &_free_letters[size_class], sizeof block);
+        _free_letters[size_class] = block;
+    }
+    (*this)[last].next = _free_records;
+    _free_records = first;
 }
 
 const unsigned char* ActionStore::_letters_at(std::uint32_t value) const
 {
-    std::size_t offset = value - 1;
+    std::size_t offset = (value & ~in_block) - 1;
     return _letter_chunks[offset / chunk_bytes] + offset % chunk_bytes;
 }
 
@@ -85,6 +134,10 @@ bool ActionStore::equals(std::uint32_t id, void* target, Port* port, const Value
 void ActionStore::clear()
 {
     _count = 0;
+    _free_records = ActionRecord::none;
+    _nof_free = 0;
+    for (std::uint32_t& block : _free_letters)
+        block = 0;
     _chunk = nullptr;
     _letter_chunk = 0;
     _letters_used = 0;

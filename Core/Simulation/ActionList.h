@@ -20,12 +20,13 @@ struct ActionRecord
     void* target;         // the Component to evaluate or the Net to update
     Port* port;           // the port that caused the action, or null
     std::uint32_t next;   // the next record of the same list, or none
-    std::uint32_t value;  // 0 for a component action; for a net action 1 + where its value lies
+    std::uint32_t value;  // 0 for a component action; for a net action 1 + where its value lies, and
+                          // the top bit for letters in a block of a size class
 };
 
 /// Records and the letters of their values, in chunks that never move, so that a record stays
-/// where it is while the actions it runs add others. Only emptied as a whole; the chunks are kept
-/// for the next use until the store dies.
+/// where it is while the actions it runs add others. Emptied as a whole, or list by list once the
+/// store reuses what it is given back; the chunks are kept for the next use until the store dies.
 class ActionStore
 {
 public:
@@ -37,7 +38,7 @@ public:
     /// A component action (value null) or a net action, linked to nothing yet.
     std::uint32_t add(void* target, Port* port, const Value* value)
     {
-        if (value != nullptr || (_count & chunk_mask) == 0)
+        if (value != nullptr || _free_records != ActionRecord::none || (_count & chunk_mask) == 0)
             return _add_with_letters_or_chunk(target, port, value);
         std::uint32_t id = _count++;
         _chunk[id & chunk_mask] = ActionRecord{target, port, ActionRecord::none, 0};
@@ -56,8 +57,13 @@ public:
     bool equals(std::uint32_t id, void* target, Port* port, const Value* value) const;
     /// Forgets every record; the memory stays for reuse.
     void clear();
+    /// Whether letters go into blocks of a few size classes, which `release` gives back for reuse,
+    /// instead of being packed. Records are given back either way.
+    void set_reuse(bool reuse) { _reuse = reuse; }
+    /// Gives back the records linked from `first` on, and their letters if they took a block.
+    void release(std::uint32_t first);
     /// Records in use.
-    std::size_t size() const { return _count; }
+    std::size_t size() const { return _count - _nof_free; }
     /// Bytes taken from the system.
     std::size_t bytes() const { return (_chunks.size() + _letter_chunks.size()) * chunk_bytes; }
 
@@ -66,16 +72,30 @@ private:
     static constexpr std::uint32_t chunk_mask = (1u << chunk_shift) - 1;
     static constexpr std::size_t chunk_bytes = sizeof(ActionRecord) << chunk_shift;  // also a letter chunk
 
-    const unsigned char* _letters_at(std::uint32_t value) const;
-    std::uint32_t _add_with_letters_or_chunk(void* target, Port* port, const Value* value);
+    static constexpr unsigned letter_classes = 6;           // blocks of 8 << class bytes, up to 256
+    static constexpr std::uint32_t in_block = 0x80000000u;  // marks a record's letters in a block
 
-    std::vector<ActionRecord*> _chunks;          // records, chunk_mask + 1 per chunk, in huge pages
-    std::vector<unsigned char*> _letter_chunks;  // width byte then letters, per net action value
-    std::uint32_t _count = 0;                    // records in use
-    ActionRecord* _chunk = nullptr;              // the chunk being filled
-    std::size_t _letter_chunk = 0;               // the letter chunk being filled
-    unsigned char* _letters = nullptr;           // that chunk, or null before the first net action
-    std::size_t _letters_used = 0;               // bytes of that chunk in use
+    const unsigned char* _letters_at(std::uint32_t value) const;
+    unsigned char* _letters_at(std::uint32_t value)
+    {
+        return const_cast<unsigned char*>(static_cast<const ActionStore*>(this)->_letters_at(value));
+    }
+    std::uint32_t _add_with_letters_or_chunk(void* target, Port* port, const Value* value);
+    std::uint32_t _new_record();
+    /// Where `bytes` of letters go: 1 + their offset, as a record keeps it.
+    std::uint32_t _place_letters(std::size_t bytes);
+
+    std::vector<ActionRecord*> _chunks;                // records, chunk_mask + 1 per chunk, in huge pages
+    std::vector<unsigned char*> _letter_chunks;        // width byte then letters, per net action value
+    std::uint32_t _count = 0;                          // records in use
+    ActionRecord* _chunk = nullptr;                    // the chunk being filled
+    std::size_t _letter_chunk = 0;                     // the letter chunk being filled
+    unsigned char* _letters = nullptr;                 // that chunk, or null before the first net action
+    std::size_t _letters_used = 0;                     // bytes of that chunk in use
+    bool _reuse = false;                               // released records and letters are used again
+    std::uint32_t _free_records = ActionRecord::none;  // released records, linked through next
+    std::uint32_t _nof_free = 0;                       // records on that list
+    std::uint32_t _free_letters[letter_classes] = {};  // released letter blocks by class, as a record's value
 };
 
 /// An insertion-ordered list of actions of one store in which an equal request is dropped. A small

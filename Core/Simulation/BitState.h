@@ -28,6 +28,16 @@ constexpr char letter(BitState s)
     return static_cast<char>(s);
 }
 
+/// Whether n letters are the same, case and all; a loop, since most values are a letter or a few.
+inline bool identical_letters(const char* a, const char* b, unsigned n)
+{
+    for (unsigned i = 0; i < n; ++i) {
+        if (a[i] != b[i])
+            return false;
+    }
+    return true;
+}
+
 /// Whether n letters agree, ignoring case.
 inline bool same_letters(const char* a, const char* b, unsigned n)
 {

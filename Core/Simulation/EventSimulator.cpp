@@ -4,14 +4,40 @@
 #include "Core/Components/Component.h"
 #include "Core/Simulation/Net.h"
 #include "Core/Simulation/Port.h"
+#include "Core/Simulation/ValueHistory.h"
 #include "Core/Support/Error.h"
 #include "Core/Support/TLog.h"
+
+#include <map>
+#include <vector>
 
 EventSimulator* EventSimulator::instance = nullptr;
 
 namespace {
 
 constexpr int prefetch_distance = 4;  // actions of a slot fetched ahead of the one running
+
+using Slots = std::map<int, ActionList>;
+constexpr std::size_t max_spare_slots = 256;  // map nodes of dropped slots kept for new ones
+
+// One simulator at a time, so one pool; never destroyed, as nodes are plain memory.
+std::vector<Slots::node_type>& spare_slots()
+{
+    static auto* spare = new std::vector<Slots::node_type>();
+    return *spare;
+}
+
+// An empty slot at `time`, just before `hint`, in a spare node if there is one.
+ActionList& new_slot(Slots& slots, Slots::iterator hint, int time)
+{
+    std::vector<Slots::node_type>& spare = spare_slots();
+    if (spare.empty())
+        return slots.emplace_hint(hint, time, ActionList())->second;
+    Slots::node_type node = std::move(spare.back());
+    spare.pop_back();
+    node.key() = time;
+    return slots.insert(hint, std::move(node))->second;
+}
 
 // The first lines of the part or net and of the port that an action will touch.
 void prefetch_action(const ActionRecord& record)
@@ -55,12 +81,15 @@ void EventSimulator::_register()
         throw Error("Simulator already created!\n");
     instance = this;
     _current = _actions.end();
+    ValueHistory::set_present(&_time);
 }
 
 EventSimulator::~EventSimulator()
 {
-    if (instance == this)
+    if (instance == this) {
         instance = nullptr;
+        ValueHistory::set_present(nullptr);
+    }
 }
 
 EventSimulator* EventSimulator::get_instance(Circuit& circuit)
@@ -103,9 +132,11 @@ void EventSimulator::simulate(int end_time)
     if (_stop_variable != nullptr)
         *_stop_variable = false;
 
-    // Slots stay in the map once run, so a second call starts from the first again. The map may
-    // grow behind the running slot; map iterators survive that.
-    for (_current = _actions.begin(); _current != _actions.end(); ++_current) {
+    // Slots stay in the map once run, so a second call starts from the first again; unless the
+    // caller gave up replay, when each goes as soon as it has run. The map may grow behind the
+    // running slot; map iterators survive that.
+    _current = _actions.begin();
+    while (_current != _actions.end()) {
         _time = _current->first;
         if (_time > end_time)
             return;
@@ -113,6 +144,27 @@ void EventSimulator::simulate(int end_time)
             return;
         _run_actions(_current->second);
         _run_same_time_actions();
+        if (_keep_finished_slots)
+            ++_current;
+        else
+            _drop_current_slot();
+    }
+}
+
+void EventSimulator::_drop_current_slot()
+{
+    auto done = _current++;
+    _kept.release(done->second.first());
+    CachedSlot& cached = _slot_cache[static_cast<unsigned>(done->first) & (slot_cache_size - 1)];
+    if (cached.time == done->first)
+        cached = CachedSlot{};
+    // The map node is kept for the next new slot: a run makes and drops one a few times per ns.
+    std::vector<Slots::node_type>& spare = spare_slots();
+    if (spare.size() < max_spare_slots) {
+        spare.push_back(_actions.extract(done));
+        spare.back().mapped() = ActionList();
+    } else {
+        _actions.erase(done);
     }
 }
 
@@ -186,7 +238,7 @@ ActionList& EventSimulator::_find_slot(int time)
     // Most new slots lie a few steps after the running one or after the last: walking there from
     // a known place spares a descent through a tree of millions of slots, each step a cache miss.
     if (_actions.empty() || time > _actions.rbegin()->first)
-        return _actions.emplace_hint(_actions.end(), time, ActionList())->second;
+        return new_slot(_actions, _actions.end(), time);
     if (_current != _actions.end() && time > _current->first) {
         auto it = std::next(_current);
         for (int step = 0; step < 8 && it != _actions.end() && it->first < time; ++step)
@@ -194,10 +246,13 @@ ActionList& EventSimulator::_find_slot(int time)
         if (it == _actions.end() || it->first >= time) {
             if (it != _actions.end() && it->first == time)
                 return it->second;
-            return _actions.emplace_hint(it, time, ActionList())->second;
+            return new_slot(_actions, it, time);
         }
     }
-    return _actions[time];
+    auto it = _actions.lower_bound(time);
+    if (it != _actions.end() && it->first == time)
+        return it->second;
+    return new_slot(_actions, it, time);
 }
 
 void EventSimulator::_print_components_to_evaluate() const

@@ -47,6 +47,15 @@ public:
     void reset(int end_time);
     /// Runs every slot from the first up to and including end_time.
     void simulate(int end_time);
+    /// Whether a slot stays once it has run, so that a second simulate replays the whole run: the
+    /// default. A caller that simulates once says false, and each slot's storage is then reused as
+    /// soon as it has run.
+    void set_keep_finished_slots(bool keep)
+    {
+        _keep_finished_slots = keep;
+        _kept.set_reuse(!keep);
+    }
+    bool keeps_finished_slots() const { return _keep_finished_slots; }
 
     void request_evaluation(int time, Net* net, Port* port, const Value& value)
     {
@@ -97,17 +106,20 @@ private:
     void _run(const ActionStore& store, std::uint32_t id);
     void _run_actions(ActionList& slot);
     void _run_same_time_actions();
+    /// Drops the slot that has just run and steps _current to the next.
+    void _drop_current_slot();
 
     static EventSimulator* instance;  // the global instance, or null
 
     Circuit* _circuit;                             // the root circuit
-    std::map<int, ActionList> _actions;            // future queue by time; run slots stay until reset
+    std::map<int, ActionList> _actions;            // future queue by time; run slots stay unless dropped
     std::map<int, ActionList>::iterator _current;  // the slot being run
     ActionStore _kept;                             // the actions of all slots of _actions
     ActionStore _same_time_store;                  // the actions of the same-time list
     ActionList _same_time_actions;                 // actions requested for the running time
     CachedSlot _slot_cache[slot_cache_size] = {};  // by time modulo the size
     int _max_time = 0;                             // ns, last end time of simulate
+    bool _keep_finished_slots = true;              // a run slot stays for a second simulate
     volatile bool* _stop_variable = nullptr;       // external stop request, polled per slot
     int _time = no_time;                           // ns, the time now running
     std::uint64_t _nof_actions_run = 0;            // since the simulator was made

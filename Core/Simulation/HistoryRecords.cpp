@@ -122,6 +122,43 @@ void HistoryRecords::insert(std::size_t i, int t, const char* new_letters)
     }
 }
 
+void HistoryRecords::pop_back()
+{
+    if (_tail_count == 1) {
+        Page& tail = _pages[--_nof_pages];
+        pool().release(tail.data, tail.size_class);
+        const Page& page = _pages[_nof_pages - 1];
+        _tail = page.data;
+        _tail_count = static_cast<std::uint16_t>(tail.first - page.first);
+        _tail_capacity =
+            static_cast<std::uint16_t>((std::size_t{smallest_page} << page.size_class) / _stride());
+    } else {
+        --_tail_count;
+    }
+    --_count;
+    const char* last = _tail + (_tail_count - 1) * _stride();
+    _last_time = _time_of(last);
+    _copy_last(last + sizeof(int));
+}
+
+bool HistoryRecords::drop_pages_before(int t)
+{
+    std::uint32_t gone = 0;
+    while (gone + 1 < _nof_pages && _pages[gone + 1].first_time <= t)
+        ++gone;
+    if (gone == 0)
+        return false;
+    std::uint32_t dropped_records = _pages[gone].first;
+    for (std::uint32_t i = 0; i < gone; ++i)
+        pool().release(_pages[i].data, _pages[i].size_class);
+    _nof_pages -= gone;
+    std::memmove(_pages, _pages + gone, _nof_pages * sizeof(Page));
+    for (std::uint32_t i = 0; i < _nof_pages; ++i)
+        _pages[i].first -= dropped_records;
+    _count -= dropped_records;
+    return true;
+}
+
 const char* HistoryRecords::_record(std::size_t i) const
 {
     const Page& page = _pages[_page_of(i)];

@@ -73,6 +73,13 @@ public:
     }
     /// Puts a record before record i; rare, so it rebuilds the pages.
     void insert(std::size_t i, int time, const char* letters);
+    /// Drops the last record; only while there are two or more.
+    void pop_back();
+    /// Whether the last record began a page: the moment to look for pages that can go.
+    bool tail_page_is_new() const { return _tail_count == 1; }
+    /// Gives back the leading pages whose records all lie before the record in force at `time`;
+    /// true if any went. Records are then counted from the first one kept.
+    bool drop_pages_before(int time);
 
     /// Index of the first record later than `time`.
     std::size_t upper_bound(int time) const;

@@ -5,6 +5,7 @@
 #include "Core/Support/TLog.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -16,6 +17,9 @@ using Morvane::Inside;
 using Morvane::IntExtQual;
 using Morvane::Output;
 using Morvane::Outside;
+
+std::uint64_t Net::_nof_recorded_updates = 0;
+std::uint64_t Net::_connections_version = 1;
 
 Net::Net(int width) : Net("", width) {}
 
@@ -187,40 +191,65 @@ void Net::compute_value(int time, Value& out)
 
 namespace {
 
-// The counts of the drivers of one bit, as PinDriveStatus keeps them, without its vtable.
-struct BitDrivers
-{
-    std::uint8_t all;         // every driver recorded
-    std::uint8_t highs;       // H
-    std::uint8_t lows;        // L
-    std::uint8_t tri_states;  // z
-    std::uint8_t pull_ups;    // p
-    std::uint8_t pull_downs;  // n
-};
+// The counts of the drivers of one bit, as PinDriveStatus keeps them, one byte each in a word:
+// every driver, then H, L, z, p and n. No count passes 255, so a byte never carries into the next.
+using BitDrivers = std::uint64_t;
 
-void record_driver(BitDrivers& bit, char c)
+constexpr BitDrivers one_driver(char c)
 {
-    if (bit.all == 255)
-        throw Error("*** ERROR: Maximum size of a a network is reached. Max 255 ports per net.");
-    ++bit.all;
     switch (Morvane::lower_letter(c)) {
     case 'h':
-        ++bit.highs;
-        break;
+        return 0x0101;
     case 'l':
-        ++bit.lows;
-        break;
+        return 0x010001;
     case 'z':
-        ++bit.tri_states;
-        break;
+        return 0x01000001;
     case 'p':
-        ++bit.pull_ups;
-        break;
+        return 0x0100000001;
     case 'n':
-        ++bit.pull_downs;
-        break;
+        return 0x010000000001;
     default:
-        break;
+        return 0x01;
+    }
+}
+
+constexpr std::array<BitDrivers, 256> make_driver_table()
+{
+    std::array<BitDrivers, 256> table{};
+    for (int c = 0; c < 256; ++c)
+        table[static_cast<std::size_t>(c)] = one_driver(static_cast<char>(c));
+    return table;
+}
+
+constexpr std::array<BitDrivers, 256> driver_table = make_driver_table();
+
+// Counts one more driver on each of `width` bits; the value's letters come most significant first.
+void record_drivers(BitDrivers* counts, const Value& driven, unsigned width, unsigned& nof_drivers)
+{
+    // Every driver counts on every bit, so the count of the first bit is the number of drivers.
+    if (width == 0)
+        return;
+    if (nof_drivers == 255)
+        throw Error("*** ERROR: Maximum size of a a network is reached. Max 255 ports per net.");
+    ++nof_drivers;
+    const char* letters = driven.c_str();
+    for (unsigned bit = 0; bit < width; ++bit)
+        counts[bit] += driver_table[static_cast<unsigned char>(letters[width - 1 - bit])];
+}
+
+void resolve_counts(const BitDrivers* counts, unsigned width, Value& out)
+{
+    // The bits of a bus mostly have the same drivers in the same states.
+    BitDrivers last = 0;
+    char letter = 'z';
+    for (unsigned bit = 0; bit < width; ++bit) {
+        BitDrivers c = counts[bit];
+        if (c != last || bit == 0) {
+            auto byte = [c](int i) { return static_cast<unsigned>((c >> (8 * i)) & 0xff); };
+            letter = Morvane::letter(resolve_drivers(byte(0), byte(1), byte(2), byte(3), byte(4), byte(5)));
+            last = c;
+        }
+        out[bit] = letter;
     }
 }
 
@@ -274,13 +303,12 @@ bool Net::_compute_value_fast(int time, Value& out)
     }
     BitDrivers counts[256];
     std::memset(counts, 0, width * sizeof(BitDrivers));
+    unsigned counted = 0;
     auto record = [&](Port* port) {
         Value driven = port->value(time);
         if (driven.size() != width)
             return false;
-        const char* letters = driven.c_str();
-        for (unsigned bit = 0; bit < width; ++bit)
-            record_driver(counts[bit], letters[width - 1 - bit]);
+        record_drivers(counts, driven, width, counted);
         return true;
     };
     for (std::size_t d = 0; d < nof_drivers; ++d) {
@@ -294,11 +322,37 @@ bool Net::_compute_value_fast(int time, Value& out)
         if (port->drives(this) && !record(port))
             return false;
     }
-    for (unsigned bit = 0; bit < width; ++bit) {
-        const BitDrivers& c = counts[bit];
-        out[bit] =
-            Morvane::letter(resolve_drivers(c.all, c.highs, c.lows, c.tri_states, c.pull_ups, c.pull_downs));
+    resolve_counts(counts, width, out);
+    return true;
+}
+
+bool Net::_find_tied_group()
+{
+    if (_tied_group_version == _connections_version)
+        return _tied_group_resolves;
+    _tied_group_version = _connections_version;
+    _tied_group_resolves = false;
+    _tied_group.assign(1, this);
+    constexpr std::size_t max_group =
+        16;  // nets of a group resolved in one pass; larger ones walk bit by bit
+    unsigned width = size();
+    for (std::size_t n = 0; n < _tied_group.size(); ++n) {
+        Net* net = _tied_group[n];
+        if (!net->_pin_specs.empty() || net->size() != width)
+            return false;
+        for (Port* port : net->_ports) {
+            if (port->dir() != Inout)
+                continue;
+            Net* other = net->_get_net_of_other_side(port);
+            if (other == nullptr ||
+                std::find(_tied_group.begin(), _tied_group.end(), other) != _tied_group.end())
+                continue;
+            if (_tied_group.size() == max_group)
+                return false;
+            _tied_group.push_back(other);
+        }
     }
+    _tied_group_resolves = true;
     return true;
 }
 
@@ -307,49 +361,23 @@ bool Net::_compute_value_tied(int time, Value& out)
     // Without pin specs the bit-by-bit walk visits the same nets in the same order for every bit, so
     // one walk that reads whole values gives the same counts; the only error it can meet, too many
     // drivers, reads the same whichever bit reaches it first.
-    constexpr std::size_t max_group = 16;  // nets of a group handled here; larger ones walk bit by bit
-    Net* group[max_group];
-    std::size_t nof_nets = 0;
+    if (!_find_tied_group())
+        return false;
     unsigned width = size();
-    auto in_group = [&](const Net* net) {
-        return std::find(group, group + nof_nets, net) != group + nof_nets;
-    };
-    group[nof_nets++] = this;
-    for (std::size_t n = 0; n < nof_nets; ++n) {
-        Net* net = group[n];
-        if (!net->_pin_specs.empty() || net->size() != width)
-            return false;
-        for (Port* port : net->_ports) {
-            if (port->dir() != Inout)
-                continue;
-            Net* other = net->_get_net_of_other_side(port);
-            if (other == nullptr || in_group(other))
-                continue;
-            if (nof_nets == max_group)
-                return false;
-            group[nof_nets++] = other;
-        }
-    }
     BitDrivers counts[256];
     std::memset(counts, 0, width * sizeof(BitDrivers));
-    for (std::size_t n = 0; n < nof_nets; ++n) {
-        Net* net = group[n];
+    unsigned counted = 0;
+    for (Net* net : _tied_group) {
         for (Port* port : net->_ports) {
             if (!port->drives(net))
                 continue;
             Value driven = port->value(time);
             if (driven.size() != width)
                 return false;
-            const char* letters = driven.c_str();
-            for (unsigned bit = 0; bit < width; ++bit)
-                record_driver(counts[bit], letters[width - 1 - bit]);
+            record_drivers(counts, driven, width, counted);
         }
     }
-    for (unsigned bit = 0; bit < width; ++bit) {
-        const BitDrivers& c = counts[bit];
-        out[bit] =
-            Morvane::letter(resolve_drivers(c.all, c.highs, c.lows, c.tri_states, c.pull_ups, c.pull_downs));
-    }
+    resolve_counts(counts, width, out);
     return true;
 }
 
@@ -365,7 +393,13 @@ void Net::update(int time, std::set<Net*> visited)
         }
         tied = std::any_of(_ports.begin(), _ports.end(), [](Port* p) { return p->dir() == Inout; });
     }
-    ValueHistory::set(resolved, time);
+    // A window keeps no repeated value, and the inputs that listen hold it already. Outputs behind
+    // the net (a sub-circuit's) still hear it: each passes it on to a net outside, as it always did.
+    bool repeated = window() != full_history && _repeats_last(resolved, time);
+    if (!repeated) {
+        ++_nof_recorded_updates;
+        ValueHistory::set(resolved, time);
+    }
 
     if (tied) {
         visited.insert(this);
@@ -382,7 +416,8 @@ void Net::update(int time, std::set<Net*> visited)
         }
         Port* port = _ports[i];
         Morvane::Dir dir = port->dir();
-        if ((dir == Input && port->net(Outside) == this) || (dir == Output && port->net(Inside) == this))
+        if ((dir == Input && !repeated && port->net(Outside) == this) ||
+            (dir == Output && port->net(Inside) == this))
             port->set(resolved, time);
     }
 }

@@ -8,6 +8,7 @@
 #include "Core/Simulation/PinSpec.h"
 #include "Core/Simulation/ValueHistory.h"
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <set>
@@ -71,6 +72,12 @@ public:
     void update(int time, std::set<Net*> visited);
 
     void print() const;
+    /// Updates of any net that recorded a value, since the process began: with windows, which record
+    /// only changes, a count of events that stays when the entries are forgotten.
+    static std::uint64_t nof_recorded_updates() { return _nof_recorded_updates; }
+    /// Tells every net that a port joined or left a net, or changed direction: what a net knows of
+    /// the nets tied to it is then built again when next needed.
+    static void connections_changed() { ++_connections_version; }
 
     void _add(Morvane::IntExtQual q, Port* port);
     void _check_size(Port* port);
@@ -91,11 +98,22 @@ private:
     /// All bits of a group of nets tied by inout ports, each driver read once; false, having
     /// recorded nothing, where a net of the group has pin specs or another width.
     bool _compute_value_tied(int time, Value& out);
+    /// The group of nets tied to this one, this one first, or false where the one-pass resolution
+    /// can't take it.
+    bool _find_tied_group();
 
     std::vector<Port*> _ports;                         // in order of attaching, both sides; not owned
     std::map<const Port*, const PinSpec*> _pin_specs;  // ports that cover only some bits: which ones
     std::set<PinSpec*> _owned_pin_specs;               // specs this net made and frees
     std::function<void(Net*)> _destruction_callback;   // told when the net dies; may be empty
+
+    // The connections stand still during a run: the group of tied nets is found once.
+    std::vector<Net*> _tied_group;          // this net, then the nets tied to it
+    bool _tied_group_resolves = false;      // the one-pass resolution can take the group
+    std::uint64_t _tied_group_version = 0;  // _connections_version when it was found, 0 never
+
+    static std::uint64_t _nof_recorded_updates;  // by all nets, see nof_recorded_updates
+    static std::uint64_t _connections_version;   // raised on every change of connections
 };
 
 /// Owns the nets it makes.

@@ -93,6 +93,7 @@ Value Port::local_net_value(int time, IntExtQual q, bool follow)
 
 void Port::set_net(Net* net, IntExtQual q)
 {
+    Net::connections_changed();
     if (q == Inside)
         _inside_net = net;
     else

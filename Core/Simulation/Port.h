@@ -52,7 +52,11 @@ public:
     /// The resolved value of this port's own drivers on the net of side q; all u without a net.
     virtual Value local_net_value(int time, Morvane::IntExtQual q, bool follow);
     virtual Morvane::Dir dir() const final { return _dir; }
-    virtual void set_dir(Morvane::Dir dir) { _dir = dir; }
+    virtual void set_dir(Morvane::Dir dir)
+    {
+        _dir = dir;
+        Net::connections_changed();
+    }
     virtual Net* net(Morvane::IntExtQual q) const final
     {
         return q == Morvane::Inside ? _inside_net : _outside_net;

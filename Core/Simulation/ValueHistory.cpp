@@ -10,6 +10,8 @@
 #include <cstring>
 #include <functional>
 
+const int* ValueHistory::_present = nullptr;
+
 ValueHistory::ValueHistory(unsigned size) : _size(size) {}
 
 void ValueHistory::set(const Value& value, int time)
@@ -24,16 +26,24 @@ void ValueHistory::set(const Value& value, int time)
         // The common case, a value at or after the latest entry, compares letters in place and makes
         // the old value only for subscribers that hear of a change.
         const char* last = _records.last_letters();
+        const char* letters = value.c_str();
         bool blank = _has_blank_entries && last[0] == '\0';  // an empty value equals every value
-        if (!blank && _subscriber_count() != 0 && !Morvane::same_letters(last, value.c_str(), _size)) {
+        bool windowed = _window != full_history && !_has_blank_entries;
+        // A window stores no repeat, and a repeat changes nothing a subscriber would hear of.
+        if (windowed && Morvane::identical_letters(last, letters, _size))
+            return;
+        if (!blank && _subscriber_count() != 0 && !Morvane::same_letters(last, letters, _size)) {
             Value old_value = _value_from(last);
             ValueChange change{old_value, value, time};
             _notify_subscribers(change);
         }
-        if (time > _records.last_time())
-            _records.append(time, value.c_str());
-        else
-            _records.overwrite(_records.size() - 1, value.c_str());
+        if (time > _records.last_time()) {
+            _records.append(time, letters);
+            if (windowed && _records.tail_page_is_new())
+                _forget_before_window();
+        } else if (!windowed || !_takes_back_last_change(letters)) {
+            _records.overwrite(_records.size() - 1, letters);
+        }
         return;
     }
     // Subscribers hear first: whoever reads this history at `time` meanwhile still sees the old value.
@@ -41,6 +51,25 @@ void ValueHistory::set(const Value& value, int time)
     if (old_value != value)
         _notify_subscribers(old_value, value, time);
     _store(value, time);
+}
+
+bool ValueHistory::_takes_back_last_change(const char* letters)
+{
+    // A change of the last entry's time back to the value before it needs no entry.
+    std::size_t n = _records.size();
+    if (n < 2 || !Morvane::identical_letters(_records.letters(n - 2), letters, _size))
+        return false;
+    _records.pop_back();
+    return true;
+}
+
+void ValueHistory::_forget_before_window()
+{
+    if (_present == nullptr || *_present == INT_MIN)
+        return;
+    long long keep_from = static_cast<long long>(*_present) - _window;
+    if (keep_from > INT_MIN && _records.drop_pages_before(static_cast<int>(keep_from)))
+        _trimmed = true;
 }
 
 void ValueHistory::_store(const Value& value, int time)
@@ -181,7 +210,10 @@ int ValueHistory::time_of_last_change(int time) const
         if (_value_of(i - 1) != in_force)
             return _records.time(i);
     }
-    // Before the first entry the value was all u; a first entry of u changed nothing.
+    // Before the first entry the value was all u; a first entry of u changed nothing. A window keeps
+    // no repeated value, so its first entry began the value it holds.
+    if (_trimmed)
+        return _records.time(0);
     if (Value(static_cast<int>(size())) == in_force)
         return INT_MIN;
     return _records.time(0);

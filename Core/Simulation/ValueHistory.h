@@ -31,12 +31,17 @@ public:
     virtual void value_changed(const ValueHistory* source, ValueChange& change) = 0;
 };
 
-/// A width and every value it was given, by time. Nothing is forgotten during a run, so the printer,
-/// the verifier and the parts that look back for a flank or a hold time can read any time.
+/// A width and every value it was given, by time. By default nothing is forgotten during a run, so
+/// the printer, the verifier and the parts that look back for a flank or a hold time can read any
+/// time. A history that nobody reads after the run may be given a window instead: it then keeps what
+/// is in force from that many ns before the present on, and stores no value that changes nothing.
 /// A time without an entry has the value of the latest earlier entry; before the first, all u.
 class ValueHistory
 {
 public:
+    /// The window of a history that keeps every entry as it was set.
+    static constexpr int full_history = -1;
+
     /// One entry as the readers get it; the history itself keeps only the time and the letters.
     struct Entry
     {
@@ -109,7 +114,15 @@ public:
     {
         _records.clear();
         _has_blank_entries = false;
+        _trimmed = false;
     }
+
+    /// Keeps what is in force from `reach` ns before the present on, and no entry that repeats the
+    /// value in force; full_history (the default) keeps every entry as it was set.
+    void set_window(int reach) { _window = reach; }
+    int window() const { return _window; }
+    /// Where windows read the present: the simulator's time, which it registers while it lives.
+    static void set_present(const int* time) { _present = time; }
 
     /// Twice is once.
     void add_change_subscriber(ValueChangeSubscriber* subscriber);
@@ -146,6 +159,12 @@ protected:
     /// while the width was 0 stay empty values.
     void _set_size(unsigned size);
     void _mark_as_port() { _is_port = true; }
+    /// Whether `value` at `time` would repeat, letter for letter, the latest entry at or before it.
+    bool _repeats_last(const Value& value, int time) const
+    {
+        return !_records.empty() && time >= _records.last_time() && !_has_blank_entries &&
+               Morvane::identical_letters(_records.last_letters(), value.c_str(), _size);
+    }
     /// Index of the entry in force at `time`: the last at or before it; -1 before the first entry.
     std::ptrdiff_t _index_at(int time) const
     {
@@ -176,11 +195,19 @@ private:
     }
     Entry _entry(std::size_t i) const { return Entry{_records.time(i), _value_of(i)}; }
     void _store(const Value& value, int time);
+    /// For a window: drops the last entry if `letters` repeat the one before it; true if so.
+    bool _takes_back_last_change(const char* letters);
+    /// For a window: gives back the pages that lie wholly before it.
+    void _forget_before_window();
+
+    static const int* _present;  // ns, the simulator's time; null without a simulator
 
     HistoryRecords _records;          // ascending time, one record per time
     unsigned _size;                   // bits; 0 until the first set sizes it
     bool _is_port = false;            // this history is the base of a Port
     bool _has_blank_entries = false;  // entries of width 0 from before _set_size
+    bool _trimmed = false;            // entries were forgotten; the first kept one began a value
+    int _window = full_history;       // ns kept back from the present, or full_history
     // Most histories have one subscriber or none: it is kept in place, and a list is made only
     // for a second one. Ascending address, no duplicates, not owned.
     ValueChangeSubscriber* _subscriber = nullptr;  // the only one, while the list is null

@@ -183,6 +183,35 @@ TEST_F(EventSimulatorTest, EndTimeIsInclusiveAndSecondRunStartsOver)
     EXPECT_EQ(log[3], "a@3");
 }
 
+TEST_F(EventSimulatorTest, FinishedSlotsDroppedRunAsKeptOnesAndReuseTheirStore)
+{
+    sim->set_keep_finished_slots(false);
+    Probe* a = probe("a");
+    Probe* b = probe("b");
+    Net net(4);
+    Port p(4, Morvane::Output, "p", nullptr);
+    // Every slot asks for two more ahead, one of them a net action of a new width each time.
+    a->on_evaluate = [&](int t) {
+        if (t >= 60)
+            return;
+        sim->request_evaluation(t + 2, b, nullptr);
+        sim->request_evaluation(t + 3, &net, &p, Value(t % 2 == 0 ? "HLHL" : "L"));
+        sim->request_evaluation(t + 3, a, nullptr);
+        sim->request_evaluation(t + 3, a, nullptr);
+    };
+    sim->request_evaluation(0, a, nullptr);
+    sim->simulate(100);
+    ASSERT_EQ(log.size(), 41u);
+    EXPECT_EQ(log[0], "a@0");
+    EXPECT_EQ(log[1], "b@2");
+    EXPECT_EQ(log[2], "a@3");
+    EXPECT_EQ(log.back(), "a@60");
+    EXPECT_EQ(sim->nof_actions_kept(), 0u);
+    // A second run replays nothing: the slots are gone.
+    sim->simulate(100);
+    EXPECT_EQ(log.size(), 41u);
+}
+
 TEST_F(EventSimulatorTest, EmptyQueueReturnsAtOnceAndResetClears)
 {
     sim->simulate(100);

@@ -133,6 +133,34 @@ TEST(NetTest, UpdateSetsListenersOnly)
     EXPECT_STREQ(sub_output.ValueHistory::value(7).c_str(), "H");
 }
 
+TEST(NetTest, AWindowedNetPassesOnlyChangesToItsInputs)
+{
+    for (bool windowed : {false, true}) {
+        Net net(1);
+        auto out = driver(net, "H", "out");
+        Port in(1, Input, "in", nullptr);
+        Port sub_output(1, Output, "sub", nullptr);
+        net.add(&in, Outside);
+        net.add(&sub_output, Inside);
+        if (windowed) {
+            net.set_window(10);
+            in.set_window(10);
+        }
+        net.update(3, {});
+        net.update(5, {});  // nothing new
+        out->ValueHistory::set(Value("L"), 8);
+        net.update(8, {});
+        // Full histories keep the repeat as it came; a window keeps the changes, and the sub-circuit's
+        // output hears the repeat all the same, as it passes every update on.
+        unsigned want = windowed ? 2u : 3u;
+        EXPECT_EQ(net.nof_values(), want);
+        EXPECT_EQ(in.nof_values(), want);
+        EXPECT_EQ(sub_output.nof_values(), 3u);
+        EXPECT_STREQ(in.value(6).c_str(), "H");
+        EXPECT_STREQ(net.value(8).c_str(), "L");
+    }
+}
+
 TEST(NetTest, OnePassTiedAndBitByBitResolutionAgree)
 {
     // The same drivers on one net, and spread over two nets tied by an inout port: the one-pass
@@ -210,6 +238,11 @@ TEST(NetTest, InoutPortTiesTwoNetsIntoOneNode)
     std::set<Net*> connected;
     inner.collect_connected_nets(connected);
     EXPECT_EQ(connected, (std::set<Net*>{&outer, &inner}));
+
+    // Untied, the outer net hears its own pull alone: the group it knew is found again.
+    inner.remove(&tie);
+    outer.update(4, {});
+    EXPECT_STREQ(outer.value(4).c_str(), "H");
 }
 
 TEST(NetTest, RingOfTiedNetsEndsAndDiamondsRepeatHarmlessly)

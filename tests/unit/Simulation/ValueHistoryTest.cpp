@@ -179,6 +179,40 @@ TEST(ValueHistoryTest, TimeOfLastChange)
     }
 }
 
+TEST(ValueHistoryTest, AWindowKeepsChangesOnlyAndTakesBackAChangeUndone)
+{
+    ValueHistory h(4);
+    h.set_window(10);
+    Recorder recorder;
+    h.add_change_subscriber(&recorder);
+    fill(h, {{0, "HLHL"}, {5, "HLHL"}, {7, "LLLL"}, {7, "HLHL"}, {8, "uuuu"}, {9, "UUUU"}});
+    // The repeat at 5 and the change undone at 7 leave no entry; u and U differ in print.
+    EXPECT_EQ(h.nof_values(), 3u);
+    EXPECT_STREQ(h.value(7).c_str(), "HLHL");
+    EXPECT_STREQ(h.value(9).c_str(), "UUUU");
+    EXPECT_EQ(recorder.heard, (std::vector<std::string>{"0:uuuu>HLHL read uuuu", "7:HLHL>LLLL read HLHL",
+                                                        "7:LLLL>HLHL read LLLL", "8:HLHL>uuuu read HLHL"}));
+}
+
+TEST(ValueHistoryTest, AWindowForgetsWhatLiesBehindIt)
+{
+    int present = INT_MIN;
+    ValueHistory::set_present(&present);
+    ValueHistory h(1);
+    h.set_window(50);
+    // Before the run, as a source plants its waveform, nothing is forgotten.
+    for (int t = -40000; t < 0; t += 10)
+        h.set(Value(t % 20 == 0 ? "L" : "H"), t);
+    EXPECT_EQ(h.nof_values(), 4000u);
+    for (present = 0; present < 30000; present += 10)
+        h.set(Value(present % 20 == 0 ? "L" : "H"), present);
+    EXPECT_LT(h.nof_values(), 2000u);
+    EXPECT_STREQ(h.value(present - 60).c_str(), "L");
+    EXPECT_STREQ(h.value(present - 50).c_str(), "H");
+    EXPECT_EQ(h.time_of_last_change(present - 55), present - 60);
+    ValueHistory::set_present(nullptr);
+}
+
 TEST(ValueHistoryTest, MaxUnsignedValueAndAcceptedCells)
 {
     EXPECT_EQ(ValueHistory(4).max_unsigned_value(), 15u);

@@ -59,6 +59,8 @@ public:
     void reset() override;
     /// Answers a change of `port` at `time`.
     void evaluate_port(int time, Port* port) override;
+    /// A clock flank looks one ns back; everything else is read at the present.
+    int history_reach() const override { return 1; }
 
     /// The clock outputs at `time`, then every output refreshed from what it holds at `time`.
     void _update_outputs(int time);
