@@ -3,14 +3,16 @@
 # sizes through morvane_stats, one table row per case.
 #
 #   bench/run_bench.sh [--quick] [--no-micro] [--sizes "1000 10000"] [--kinds "chain mesh"]
-#                      [--times "10000 20000"] [--board-times "20000000"] [--peer] [--memory]
+#                      [--times "10000 20000"] [--board-times "20000000"] [--boards "board6502"]
+#                      [--peer] [--memory]
 #
 # --kinds "" skips the generated circuits. --times runs every kind and size at each of the given
 # simulated times instead of one chosen by size: rows of one size then show the cost growing with
 # time, rows of one time with N.
 #
 # --board-times runs the 6502 board of examples/board6502 (processor, RAM, EPROM, glue logic, a
-# 1 MHz clock) for each simulated time in ns; "" skips it.
+# 1 MHz clock) for each simulated time in ns; "" skips it. --boards names the example boards to run
+# (default board6502 and board6502pld, the same board with its glue in a programmable device).
 #
 # --memory prints the memory of long runs instead of the tables below: the board for 0.02, 0.2 and
 # 2 s of simulated time (or --board-times) with cycles per wall second, peak memory and bytes of it
@@ -34,6 +36,7 @@ peer=0
 memory=0
 times=""
 board_times="20000000"
+boards="board6502 board6502pld"
 sizes_given=""
 kinds_given=""
 board_times_given=""
@@ -45,6 +48,7 @@ while [ $# -gt 0 ]; do
     --kinds) kinds=$2; kinds_given=$2; shift ;;
     --times) times=$2; shift ;;
     --board-times) board_times=$2; board_times_given=$2; shift ;;
+    --boards) boards=$2; shift ;;
     --peer) peer=1 ;;
     --memory) memory=1; micro=0 ;;
     *) echo "unknown option $1" >&2; exit 2 ;;
@@ -157,16 +161,19 @@ for kind in $kinds; do
     done
 done
 
-if [ -n "$board_times" ]; then
+for board in $boards; do
+    [ -n "$board_times" ] || break
     echo
-    echo "## 6502 board (examples/board6502, 1 MHz clock)"
+    echo "## 6502 board (examples/$board, 1 MHz clock)"
     echo
     echo "| T ns | clock cycles | load s | sim s | wall s | events | events/s (sim) | simulated cycles per wall s | peak RSS MB |"
     echo "|---|---|---|---|---|---|---|---|---|"
     for t in $board_times; do
-        dir="$work/board6502_T$t"
+        dir="$work/${board}_T$t"
         mkdir -p "$dir"
-        cp "$root/examples/board6502/board.ctc" "$dir/circuit.ctc"
+        cp "$root/examples/$board/board.ctc" "$dir/circuit.ctc"
+        # A programmable device finds its program beside the circuit.
+        cp "$root/examples/$board/"*.pld "$dir/" 2>/dev/null || true
         printf 'time nc => leds\n0 L XX\n%d L XX\n' "$t" >"$dir/test.tv"
         line=$(run_case "$dir")
         if ! echo "$line" | grep -q STATS; then
@@ -178,7 +185,7 @@ if [ -n "$board_times" ]; then
             printf "| %d | %d | %.2f | %.2f | %.2f | %d | %.2f M | %.0f k | %.0f |\n",
                 t, t / 1000, l, s, w, e, (s > 0 ? e / s / 1e6 : 0), (w > 0 ? t / 1000 / w / 1e3 : 0), r / 1024 }'
     done
-fi
+done
 
 [ $peer = 1 ] || exit 0
 

@@ -53,6 +53,11 @@ public:
     /// The macrocell of an output pin, or those whose trees read an input.
     void evaluate_port(int time, Port* port) override;
     std::vector<std::string> get_valid_param_keys() override { return {"delay", "program"}; }
+    /// Inputs are read one delay back, and the clock one ns before that for its edge.
+    int history_reach() const override
+    {
+        return delay() < 0 ? 1 : (delay() < unbounded_reach ? delay() + 1 : unbounded_reach);
+    }
     void add_pin(Pin* pin) override;
     void update_after_param_change() override;
 
