@@ -2,21 +2,26 @@
 # Plants the faults of faults.txt one at a time in a scratch copy of the tree, rebuilds, runs the
 # whole suite and reports which faults no test caught. Run by hand; it takes a while.
 #
-#   tests/mutation/run.sh [-o RESULT] [PATTERN...]
+#   tests/mutation/run.sh [-r REV] [-o RESULT] [PATTERN...]
 #
-# PATTERN selects faults by id or subsystem (a grep -E pattern on the id); none runs them all.
+# REV runs the suite of that revision (say main) rather than the working files of this checkout;
+# the faults always come from this checkout's list. PATTERN selects faults by id or subsystem (a
+# grep -E pattern on the id); none runs them all.
 # MUTATION_DIR holds the scratch tree and its build (default build/mutation in the checkout). The
 # build is Release without sanitizers and with shared libraries, so a fault in the core relinks one
 # library, not every test program; it is kept between faults and between runs.
 set -euo pipefail
 
+# The whole run is one function, read before it starts, so that editing this file mid-run is safe.
+main() {
 here=$(cd "$(dirname "$0")" && pwd)
 repo=$(cd "$here/../.." && pwd)
 result=""
-if [[ ${1:-} == -o ]]; then
-    result=$2
+rev=""
+while [[ ${1:-} == -[or] ]]; do
+    [[ $1 == -o ]] && result=$2 || rev=$2
     shift 2
-fi
+done
 pattern=$(IFS='|'; echo "$*")
 scratch=${MUTATION_DIR:-$repo/build/mutation}
 tree=$scratch/tree
@@ -28,14 +33,20 @@ export CCACHE_BASEDIR=${CCACHE_BASEDIR:-/work}
 # Checksums, not times, decide what is copied, and copied files get a fresh time: a file left
 # faulty by an interrupted run must be rebuilt.
 mkdir -p "$tree"
-(cd "$repo" && git ls-files -co --exclude-standard) | sort >"$scratch/files"
+src=$repo
+if [[ -n $rev ]]; then
+    src=$scratch/source
+    rm -rf "$src"
+    mkdir -p "$src"
+    git -C "$repo" archive "$rev" | tar -x -C "$src"
+fi
+(cd "$src" && find . -path ./build -prune -o -path ./.git -prune -o -type f -printf '%P\n') | sort >"$scratch/files"
 (cd "$tree" && find . -path ./build -prune -o -type f -printf '%P\n') | sort |
     comm -13 "$scratch/files" - | (cd "$tree" && xargs -r rm -f)
 while read -r f; do
-    [[ -f $repo/$f ]] || continue
-    if ! cmp -s "$repo/$f" "$tree/$f"; then
+    if ! cmp -s "$src/$f" "$tree/$f"; then
         mkdir -p "$(dirname "$tree/$f")"
-        cp "$repo/$f" "$tree/$f"
+        cp "$src/$f" "$tree/$f"
     fi
 done <"$scratch/files"
 sed -i -E 's/add_library\((morvane_[a-z]+) STATIC/add_library(\1 SHARED/' \
@@ -78,7 +89,7 @@ while read -r id file rule; do
     target=$tree/$file
     # The rule is a Perl substitution on the whole file, applied once.
     FAULT_RULE=$rule perl -0pi -e 'eval "\$_ =~ $ENV{FAULT_RULE}; 1" or die $@' "$target"
-    if cmp -s "$target" "$repo/$file"; then
+    if cmp -s "$target" "$src/$file"; then
         line="STALE   $id (the rule no longer matches $file)"
         stale=$((stale + 1))
     elif ! build_tree; then
@@ -92,13 +103,17 @@ while read -r id file rule; do
         caught=$((caught + 1))
     fi
     echo "$line" | tee -a "$out"
-    cp "$repo/$file" "$target"
+    cp "$src/$file" "$target"
 done <"$here/faults.txt"
 build_tree || true
 
 summary="caught $caught, missed $missed, broken $broken, stale $stale"
 echo "$summary"
 if [[ -n $result ]]; then
-    { echo "# $(git -C "$repo" rev-parse --short HEAD) $(date -u +%F)"; cat "$out"; echo "# $summary"; } >"$result"
+    { echo "# suite of ${rev:-the working files of $(git -C "$repo" rev-parse --short HEAD)}, $(date -u +%F)"; cat "$out"; echo "# $summary"; } >"$result"
 fi
 rm -f "$out"
+}
+
+main "$@"
+exit
