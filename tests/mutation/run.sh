@@ -33,6 +33,10 @@ export CCACHE_BASEDIR=${CCACHE_BASEDIR:-/work}
 # Checksums, not times, decide what is copied, and copied files get a fresh time: a file left
 # faulty by an interrupted run must be rebuilt.
 mkdir -p "$tree"
+# Some tests read shared test data beside the checkout.
+if [[ -d $repo/../shared && ! -e $scratch/shared ]]; then
+    ln -s "$(cd "$repo/../shared" && pwd)" "$scratch/shared"
+fi
 src=$repo
 if [[ -n $rev ]]; then
     src=$scratch/source

@@ -8,7 +8,11 @@
 #include "Core/Components/ComponentFactory.h"
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Simulation/Net.h"
+#include "Core/Support/SimLog.h"
 
+#include <cctype>
+#include <cstdarg>
+#include <cstdio>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -85,6 +89,44 @@ inline std::string port_list(Component* c)
         text += " ";
     }
     return text;
+}
+
+/// Keeps every line the parts log, as "<level> <text>".
+class LineLog : public SimLog
+{
+public:
+    void log(LogLevel level, const char* format, va_list args) override
+    {
+        char line[4096];
+        vsnprintf(line, sizeof line, format, args);
+        lines.push_back(std::to_string(level) + " " + line);
+    }
+    using SimLog::log;
+    void clear() override { lines.clear(); }
+
+    std::vector<std::string> lines;  // level, a blank, the text
+};
+
+inline std::string lower(std::string text)
+{
+    for (char& ch : text)
+        ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+    return text;
+}
+
+/// The letters of the last value written to a port, in lower case; "-" if nothing was written.
+inline std::string written(Component* c, const char* port)
+{
+    const Port* p = c->port(port);
+    return p->nof_values() == 0 ? "-" : lower(p->entries().back().value.c_str());
+}
+
+/// A value of `width` bits holding `n`.
+inline Value number(int n, int width)
+{
+    Value v(width);
+    v.set_to(n);
+    return v;
 }
 
 #endif  // MORVANE_TESTS_UNIT_COMPONENTS_PARTHARNESS_H
