@@ -5,6 +5,7 @@ RELEASE_DIR := build/release
 TEST_DIR := build/test
 BENCH_DIR := build/bench
 FUZZ_DIR := build/fuzz
+DEMO_VCD := build/hello6502.vcd
 # Seconds of fuzzing for each target.
 FUZZ_SECONDS ?= 30
 
@@ -17,7 +18,9 @@ release:
 	$(CMAKE) --build $(RELEASE_DIR) -j $(JOBS)
 
 demo: release
-	./$(RELEASE_DIR)/Cli/morvane -v -P -R 10 examples/fulladder/fulladder.ctc examples/fulladder/fulladder.tv
+	./$(RELEASE_DIR)/Cli/morvane -v -P -x examples/hello6502/hello.ctc examples/hello6502/hello.tv
+	./$(RELEASE_DIR)/Wave/morvane-wave -v -o $(DEMO_VCD) examples/hello6502/hello.ctc examples/hello6502/hello.tv
+	@echo "Waveforms in $(DEMO_VCD); to look at them: gtkwave $(DEMO_VCD)"
 
 test:
 	$(CMAKE) -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=ON -DMORVANE_WERROR=$(if $(WERROR),ON,OFF)

@@ -176,7 +176,11 @@ void CircuitVerifier::check_circuit()
 void CircuitVerifier::simulate()
 {
     set_component_options_from_test_sequence();
+    if (_run_listener)
+        _run_listener(true);
     simulator()->simulate(_simulation_time + 1);
+    if (_run_listener)
+        _run_listener(false);
     restore_component_options_from_test_sequence();
 }
 

@@ -5,6 +5,7 @@
 #include "Core/Components/ParaMap.h"
 #include "Core/Simulation/Value.h"
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -43,6 +44,8 @@ public:
     void check_circuit();
     /// A run without comparison.
     void simulate();
+    /// Told `true` as the engine starts a run and `false` as it ends, for a display of progress.
+    void set_run_listener(std::function<void(bool running)> listener) { _run_listener = std::move(listener); }
     /// A run with comparison; true when nothing mismatched.
     bool verify();
     void print(int time_step, const std::string& pins, const std::string& nets, bool hex);
@@ -75,6 +78,7 @@ private:
     bool _owns_test_sequence = false;                 // read from a file name
     bool _check_outputs = true;                       // whether verify compares
     std::map<Component*, ParaMap> _saved_parameters;  // parameters to bring back after a run
+    std::function<void(bool)> _run_listener;          // may be empty
 };
 
 /// Prints each mismatch on standard output as it is found.

@@ -81,53 +81,56 @@ void parse_arguments(int argc, char** argv, Options* options)
     options->tv_file = argv[optind + 1];
 }
 
-void run_simulation(const Options& options)
+int run_circuit(const Options& options, const RunHooks& hooks)
+{
+    auto verifier = std::make_unique<CliCircuitVerifier>(options.ctc_file, options.tv_file, 0);
+    // The sink is destroyed before the verifier, on every path.
+    auto sim_log = std::make_unique<StdOutSimLog>();
+    verifier->circuit()->set_simlog(sim_log.get());
+    if (options.check_connections)
+        verifier->check_circuit();
+    if (hooks.before_run)
+        hooks.before_run(*verifier);
+    int failures = 0;
+    if (!options.verify) {
+        verifier->simulate();
+    } else if (verifier->verify()) {
+        printf("All tests passed.\n");
+    } else {
+        failures = verifier->nof_issues();
+        printf("%d test%s failed.\n", failures, failures <= 1 ? "" : "s");
+    }
+    if (hooks.after_run)
+        hooks.after_run(*verifier);
+    if (!options.silent || options.force_print)
+        verifier->print(options.print_time_step, options.pins, options.nets, options.hex);
+    sim_log.reset();
+    return failures;
+}
+
+bool run_reporting_errors(const std::function<void()>& action)
 {
     try {
-        auto verifier = std::make_unique<CliCircuitVerifier>(options.ctc_file, options.tv_file, 0);
-        // The sink is destroyed before the verifier, on every path.
-        auto sim_log = std::make_unique<StdOutSimLog>();
-        verifier->circuit()->set_simlog(sim_log.get());
-        if (options.check_connections)
-            verifier->check_circuit();
-        verifier->simulate();
-        if (!options.silent || options.force_print)
-            verifier->print(options.print_time_step, options.pins, options.nets, options.hex);
-        sim_log.reset();
+        action();
+        return true;
     } catch (const ErrorWithPos& e) {
         // Its text lives in the positioned part only; the plain one is empty.
         printf("%s\n", e.pos_message().c_str());
     } catch (const Error& e) {
         printf("%s\n", e.message().c_str());
     }
+    return false;
+}
+
+void run_simulation(const Options& options)
+{
+    run_reporting_errors([&] { run_circuit(options); });
 }
 
 int run_verification(const Options& options)
 {
-    int result = 0;
-    try {
-        auto verifier = std::make_unique<CliCircuitVerifier>(options.ctc_file, options.tv_file, 0);
-        auto sim_log = std::make_unique<StdOutSimLog>();
-        verifier->circuit()->set_simlog(sim_log.get());
-        if (options.check_connections)
-            verifier->check_circuit();
-        if (verifier->verify()) {
-            printf("All tests passed.\n");
-            result = 0;
-        } else {
-            int issues = verifier->nof_issues();
-            printf("%d test%s failed.\n", issues, issues <= 1 ? "" : "s");
-            result = issues;
-        }
-        if (!options.silent || options.force_print)
-            verifier->print(options.print_time_step, options.pins, options.nets, options.hex);
-        sim_log.reset();
-    } catch (const ErrorWithPos& e) {
-        printf("%s\n", e.pos_message().c_str());
+    int failures = 0;
+    if (!run_reporting_errors([&] { failures = run_circuit(options); }))
         return 1;
-    } catch (const Error& e) {
-        printf("%s\n", e.message().c_str());
-        return 1;
-    }
-    return result;
+    return failures;
 }

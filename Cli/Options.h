@@ -3,7 +3,10 @@
 #define MORVANE_CLI_OPTIONS_H
 
 #include <cstdio>
+#include <functional>
 #include <string>
+
+class CircuitVerifier;
 
 struct Options
 {
@@ -23,6 +26,20 @@ struct Options
 void parse_arguments(int argc, char** argv, Options* options);
 
 void print_help(FILE* stream);
+
+/// What a companion command does around the run; either may be empty.
+struct RunHooks
+{
+    std::function<void(CircuitVerifier&)> before_run;  // after the connection check
+    std::function<void(CircuitVerifier&)> after_run;   // after the run and its summary, before the table
+};
+
+/// The run both commands make: build, connection check, simulation or verification with its summary
+/// line, table. Errors pass through; returns the number of failed comparisons.
+int run_circuit(const Options& options, const RunHooks& hooks = {});
+
+/// Runs `action`; an Error it throws is printed on standard output, and the result is false.
+bool run_reporting_errors(const std::function<void()>& action);
 
 /// Simulates and prints; an Error is printed and the run still counts as done.
 void run_simulation(const Options& options);

@@ -1,5 +1,5 @@
-# Runs morvane in one case folder and compares standard output, exit status and, where the case
-# pins it, standard error with the expected files.
+# Runs morvane or morvane-wave (PROGRAM) in one case folder and compares standard output, exit
+# status and, where the case pins it, standard error with the expected files.
 # A cmd file of several lines is several runs: their outputs are joined in order, and expected.rc
 # holds one status a run.
 file(STRINGS ${CASE_DIR}/cmd cmd_lines)
@@ -24,8 +24,8 @@ foreach(cmd_text IN LISTS cmd_lines)
 endforeach()
 string(REPLACE ";" " " actual_rc "${actual_rc}")
 
-# getopt names the program by its path; the goldens call it morvane.
-string(REPLACE "${MORVANE}" "morvane" actual_err "${actual_err}")
+# getopt names the program by its path; the goldens by its name.
+string(REPLACE "${MORVANE}" "${PROGRAM}" actual_err "${actual_err}")
 
 set(failed FALSE)
 if(actual_err MATCHES "runtime error:|Sanitizer")

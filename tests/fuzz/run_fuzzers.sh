@@ -11,7 +11,7 @@ src_dir=$(cd "$(dirname "$0")" && pwd)
 root_dir=$(cd "$src_dir/../.." && pwd)
 work_dir=$bin_dir/work
 dict=$src_dir/morvane.dict
-targets=${*:-"fuzz_circuit_file fuzz_test_vector_file fuzz_para_map fuzz_instance fuzz_component_options fuzz_pin_spec fuzz_value_text fuzz_driver fuzz_pld_source"}
+targets=${*:-"fuzz_circuit_file fuzz_test_vector_file fuzz_para_map fuzz_instance fuzz_component_options fuzz_pin_spec fuzz_value_text fuzz_driver fuzz_pld_source fuzz_wave_options"}
 
 # Fills the seed folder of one target.
 make_seeds() {

@@ -1,0 +1,1 @@
+-R 1 -p sum,cout,h1.a,h1.b,h1.sum,h1.carry,h2.x.a,h2.x.b,h2.x.out -n h1.a,h1.b,h1.sum,h1.carry,p ../../../examples/fulladder/fulladder.ctc ../../../examples/fulladder/fulladder.tv

@@ -1,0 +1,1 @@
+-R 250 -p addr,rw,out -n phi2,d ../../../examples/hello6502/hello.ctc ../../../examples/hello6502/hello.tv

@@ -1,0 +1,1 @@
+-R 1 -p cpu.A,cpu.D,cpu._R/W,cpu._IRQ,cpu._NMI,cpu.RDY,cpu.SYNC,cpu.PHI0,cpu.PHI1,cpu.PHI2,cpu._SO,cpu._RES -n d ../../../examples/hello6502/hello.ctc first_character.tv

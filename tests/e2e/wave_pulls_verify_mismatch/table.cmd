@@ -1,0 +1,1 @@
+-R 1 -n hi,lo,down,hd,lu,ud,d,g,bus ../high_low_pulls/circuit.ctc test.tv
