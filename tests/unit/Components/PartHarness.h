@@ -3,16 +3,15 @@
 #ifndef MORVANE_TESTS_UNIT_COMPONENTS_PARTHARNESS_H
 #define MORVANE_TESTS_UNIT_COMPONENTS_PARTHARNESS_H
 
+#include "tests/unit/LineLog.h"
+
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/Component.h"
 #include "Core/Components/ComponentFactory.h"
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Simulation/Net.h"
-#include "Core/Support/SimLog.h"
 
 #include <cctype>
-#include <cstdarg>
-#include <cstdio>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -90,22 +89,6 @@ inline std::string port_list(Component* c)
     }
     return text;
 }
-
-/// Keeps every line the parts log, as "<level> <text>".
-class LineLog : public SimLog
-{
-public:
-    void log(LogLevel level, const char* format, va_list args) override
-    {
-        char line[4096];
-        vsnprintf(line, sizeof line, format, args);
-        lines.push_back(std::to_string(level) + " " + line);
-    }
-    using SimLog::log;
-    void clear() override { lines.clear(); }
-
-    std::vector<std::string> lines;  // level, a blank, the text
-};
 
 inline std::string lower(std::string text)
 {
