@@ -48,14 +48,14 @@ void BM_M6502FunctionalTest(benchmark::State& state)
     constexpr int batch = 1'000'000;  // ticks per iteration
     for (auto _ : state) {
         for (int i = 0; i < batch; i++) {
-            const uint16_t addr = m6502_get_addr(pins);
-            if (pins & m6502_pin_rw) {
-                pins = m6502_set_data(pins, mem[addr]);
+            const uint16_t addr = cpu65_get_addr(pins);
+            if (pins & cpu65_pin_rw) {
+                pins = cpu65_set_data(pins, mem[addr]);
             } else {
-                mem[addr] = m6502_get_data(pins);
+                mem[addr] = cpu65_get_data(pins);
             }
             pins = m6502_tick(&cpu, pins);
-            if ((pins & m6502_pin_sync) && m6502_get_addr(pins) == success_trap) {
+            if ((pins & cpu65_pin_sync) && cpu65_get_addr(pins) == success_trap) {
                 restart();
             }
         }

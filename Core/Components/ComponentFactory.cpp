@@ -4,6 +4,7 @@
 #include "Core/Components/Buffers.h"
 #include "Core/Components/BusAdapters.h"
 #include "Core/Components/CPUs/MOS6502/MOS6502.h"
+#include "Core/Components/CPUs/W65C02/W65C02Chip.h"
 #include "Core/Components/Chips74Decoders.h"
 #include "Core/Components/Chips74FlipFlops.h"
 #include "Core/Components/Chips74Gates.h"
@@ -97,7 +98,7 @@ constexpr ComponentType components[] = {
     row<MC27C64>(),        // 27C64
     row<IDT7132LA>(),      // IDT7132LA
     row<MOS6502>(),        // MOS6502
-    // W65C02
+    row<W65C02>(),         // W65C02
 };
 
 const ComponentType* find_type(const std::string& type)

@@ -1,7 +1,9 @@
-// Reads a test vector file and asks the sequence what the verifier and the printer ask.
+// Reads a test vector file and asks the sequence what the verifier and the printer ask, then writes
+// it and reads what was written.
 #include "FuzzSupport.h"
 
 #include "Core/TestSequence/TestSequence.h"
+#include "Core/TestSequence/TestSequenceFileWriter.h"
 
 #include <algorithm>
 
@@ -21,6 +23,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             for (int row = 0; row < nof_rows; ++row)
                 sequence.get_output_value(header->output_name(i), sequence.get_vector(row)->output_time());
         }
+        std::string written = fuzz::scratch_dir() + "/written.tv";
+        TestSequenceFileWriter().write_sequence(&sequence, written, sequence.has_delta_time());
+        TestSequence again(written);
     });
     return 0;
 }

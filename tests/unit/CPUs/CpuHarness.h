@@ -1,13 +1,54 @@
 // A bare processor core on 64 KiB of RAM: the caller's side of the pin word, for the core tests.
-// `Core` names the core's state and descriptor types and its functions (see M6502Harness.h).
+// `Core` names the core's state and descriptor types and its functions (see M6502Harness.h); the
+// pin word has the layout both cores share.
 #ifndef MORVANE_TESTS_UNIT_CPUS_CPUHARNESS_H
 #define MORVANE_TESTS_UNIT_CPUS_CPUHARNESS_H
 
+#include "Core/Components/CPUs/cpu65.h"
+
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <initializer_list>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
+
+/// Where the self-checking test images lie: beside the source tree; a worktree one level deeper
+/// finds them one level further up.
+inline std::string testdata_dir()
+{
+    for (const char* dir : {MORVANE_SOURCE_DIR "/../shared/testdata/6502/",
+                            MORVANE_SOURCE_DIR "/../../shared/testdata/6502/"}) {
+        if (std::filesystem::is_directory(dir)) {
+            return dir;
+        }
+    }
+    return MORVANE_SOURCE_DIR "/../shared/testdata/6502/";
+}
+
+/// The fetch tick whose opcode an interrupt dropped (the tick before the first push), or 0, in the
+/// cycles of CpuHarness::run.
+inline int taken_at(const std::vector<std::string>& cycles)
+{
+    for (size_t i = 0; i < cycles.size(); i++) {
+        if (cycles[i].rfind("W01", 0) == 0) {
+            return static_cast<int>(i);  // index i is tick i + 1; the fetch was the tick before
+        }
+    }
+    return 0;
+}
+
+/// How a test image ended.
+struct TrapResult
+{
+    uint16_t trap = 0;   // address of the self-loop, 0 if none was reached
+    uint64_t ticks = 0;  // ticks run
+    std::string recent;  // the last instructions, oldest first
+};
 
 template <class Core> class CpuHarness
 {
@@ -39,11 +80,32 @@ public:
         }
     }
 
+    /// `code` at 0400 and the `data` bytes where they say, then init and the reset ticks up to the
+    /// fetch at 0400.
+    void load_and_reset(const std::vector<uint8_t>& code,
+                        const std::vector<std::pair<uint16_t, uint8_t>>& data)
+    {
+        std::copy(code.begin(), code.end(), _mem.begin() + 0x0400);
+        for (const auto& [where, value] : data) {
+            _mem[where] = value;
+        }
+        reset_to(0x0400);
+    }
+
+    /// The registers for the instruction about to be fetched.
+    void set_registers(uint8_t a, uint8_t x, uint8_t y, uint8_t p)
+    {
+        Core::set_a(&cpu, a);
+        Core::set_x(&cpu, x);
+        Core::set_y(&cpu, y);
+        Core::set_p(&cpu, p);
+    }
+
     /// Puts a fetch at `addr` on the pins, with pc to match, as if a jump had just ended there.
     void start_at(uint16_t addr)
     {
         Core::set_pc(&cpu, addr);
-        pins = Core::set_addr(pins, addr) | Core::pin_sync | Core::pin_rw;
+        pins = cpu65_set_addr(pins, addr) | cpu65_pin_sync | cpu65_pin_rw;
         serve();
     }
 
@@ -61,11 +123,11 @@ public:
     std::string cycle() const
     {
         char text[16];
-        const uint16_t addr = Core::get_addr(pins);
-        if (!(pins & Core::pin_rw)) {
-            std::snprintf(text, sizeof text, "W%04X=%02X", addr, Core::get_data(pins));
+        const uint16_t addr = cpu65_get_addr(pins);
+        if (!(pins & cpu65_pin_rw)) {
+            std::snprintf(text, sizeof text, "W%04X=%02X", addr, cpu65_get_data(pins));
         } else {
-            std::snprintf(text, sizeof text, "%c%04X", (pins & Core::pin_sync) ? 'F' : 'R', addr);
+            std::snprintf(text, sizeof text, "%c%04X", (pins & cpu65_pin_sync) ? 'F' : 'R', addr);
         }
         return text;
     }
@@ -77,21 +139,97 @@ public:
         for (int i = 0; i < max_ticks; i++) {
             tick();
             trace += " " + cycle();
-            if (pins & Core::pin_sync) {
+            if (pins & cpu65_pin_sync) {
                 break;
             }
         }
         return trace;
     }
 
+    static constexpr uint16_t irq_handler = 0x3000;  // where the IRQ vector points
+    static constexpr uint16_t nmi_handler = 0x3100;  // where the NMI vector points
+
+    /// NOPs over the program area and both handlers, `code` at 0400, the interrupt vectors at the
+    /// handlers, reset to 0400, and the status register set to `p`.
+    void load_program(const std::vector<uint8_t>& code, uint8_t p = cpu65_bf | cpu65_xf)
+    {
+        std::fill(_mem.begin() + 0x0300, _mem.begin() + 0x0500, 0xEA);
+        std::fill(_mem.begin() + irq_handler, _mem.begin() + nmi_handler + 0x100, 0xEA);
+        std::copy(code.begin(), code.end(), _mem.begin() + 0x0400);
+        load(0xFFFA, {static_cast<uint8_t>(nmi_handler), static_cast<uint8_t>(nmi_handler >> 8)});
+        load(0xFFFE, {static_cast<uint8_t>(irq_handler), static_cast<uint8_t>(irq_handler >> 8)});
+        reset_to(0x0400);
+        Core::set_p(&cpu, p);
+    }
+
+    /// `ticks` ticks from the first fetch on, with `input` on the pins for the ticks from `from` up
+    /// to `to` (tick 1 fetches): the cycles they ask for, one per tick.
+    std::vector<std::string> run(uint64_t input, int from, int to, int ticks = 24)
+    {
+        std::vector<std::string> cycles;
+        for (int t = 1; t <= ticks; t++) {
+            set_input(input, t >= from && t < to);
+            tick();
+            cycles.push_back(cycle());
+        }
+        return cycles;
+    }
+
+    /// A test image from testdata_dir() at `load_addr`; false if it can't be read or doesn't fit.
+    bool load_image(const std::string& name, uint16_t load_addr)
+    {
+        std::ifstream in(testdata_dir() + name, std::ios::binary);
+        const std::vector<uint8_t> image((std::istreambuf_iterator<char>(in)),
+                                         std::istreambuf_iterator<char>());
+        if (image.empty() || image.size() + load_addr > 0x10000) {
+            return false;
+        }
+        std::copy(image.begin(), image.end(), _mem.begin() + load_addr);
+        return true;
+    }
+
+    /// Runs until an instruction fetches the next one at its own address (jmp *, bne * and the
+    /// like). One-tick NOPs fetch on consecutive ticks too, so only a fetch at the same address counts.
+    TrapResult run_to_trap(uint64_t max_ticks)
+    {
+        constexpr int history = 16;
+        uint16_t fetched[history] = {};  // addresses of the last fetches, a ring
+        int next = 0;
+        int prev_fetch = -1;
+        TrapResult result;
+        while (result.ticks < max_ticks) {
+            tick();
+            result.ticks++;
+            if (!(pins & cpu65_pin_sync)) {
+                continue;
+            }
+            const uint16_t addr = cpu65_get_addr(pins);
+            if (addr == prev_fetch) {
+                result.trap = addr;
+                break;
+            }
+            prev_fetch = addr;
+            fetched[next] = addr;
+            next = (next + 1) % history;
+        }
+        for (int i = 0; i < history; i++) {
+            const uint16_t addr = fetched[(next + i) % history];
+            char line[48];
+            std::snprintf(line, sizeof line, "  $%04X: %02X %02X %02X\n", addr, _mem[addr],
+                          _mem[static_cast<uint16_t>(addr + 1)], _mem[static_cast<uint16_t>(addr + 2)]);
+            result.recent += line;
+        }
+        return result;
+    }
+
 private:
     void serve()
     {
-        const uint16_t addr = Core::get_addr(pins);
-        if (pins & Core::pin_rw) {
-            pins = Core::set_data(pins, _mem[addr]);
+        const uint16_t addr = cpu65_get_addr(pins);
+        if (pins & cpu65_pin_rw) {
+            pins = cpu65_set_data(pins, _mem[addr]);
         } else {
-            _mem[addr] = Core::get_data(pins);
+            _mem[addr] = cpu65_get_data(pins);
         }
     }
 

@@ -91,8 +91,8 @@ TEST(M6502ArithmeticTest, SpotCasesMatchModelAndCore)
     M6502Harness h;
     h.reset_to(0x0400);
     for (const SpotCase& row : spot_cases) {
-        const AluResult model = row.opcode == 0x69 ? model_adc(row.a, row.m, row.p, row.p & m6502_df)
-                                                   : model_sbc(row.a, row.m, row.p, row.p & m6502_df);
+        const AluResult model = row.opcode == 0x69 ? model_adc(row.a, row.m, row.p, row.p & cpu65_df)
+                                                   : model_sbc(row.a, row.m, row.p, row.p & cpu65_df);
         const AluResult core = run_immediate(h, row.opcode, row.a, row.m, row.p);
         SCOPED_TRACE(testing::Message() << std::hex << "op " << int(row.opcode) << " a " << int(row.a)
                                         << " m " << int(row.m) << " p " << int(row.p));
@@ -116,7 +116,7 @@ TEST(M6502ArithmeticTest, AdcAndSbcMatchModelOverAllOperands)
                     for (int m = 0; m < 256; m++) {
                         // N, V and Z start set on half the cases so that clearing them is checked too.
                         const uint8_t p =
-                            static_cast<uint8_t>(0x30 | (d ? m6502_df : 0) | c | (((a ^ m) & 1) ? 0xC2 : 0));
+                            static_cast<uint8_t>(0x30 | (d ? cpu65_df : 0) | c | (((a ^ m) & 1) ? 0xC2 : 0));
                         const bool decimal = d && !bcd_disabled;
                         for (uint8_t opcode : {uint8_t(0x69), uint8_t(0xE9)}) {
                             const AluResult model = opcode == 0x69

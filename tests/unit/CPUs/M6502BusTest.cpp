@@ -90,19 +90,9 @@ TEST_P(M6502BusTest, RunsCyclesInOrder)
 {
     const BusCase& row = GetParam();
     M6502Harness h;
-    uint16_t addr = 0x0400;
-    for (uint8_t b : row.code) {
-        h.mem(addr++) = b;
-    }
-    for (const auto& [where, value] : row.data) {
-        h.mem(where) = value;
-    }
-    h.reset_to(0x0400);
-    m6502_set_a(&h.cpu, a_value);
-    m6502_set_x(&h.cpu, row.x);
-    m6502_set_y(&h.cpu, row.y);
+    h.load_and_reset(row.code, row.data);
+    h.set_registers(a_value, row.x, row.y, row.p | cpu65_bf);
     m6502_set_s(&h.cpu, row.s);
-    m6502_set_p(&h.cpu, row.p | m6502_bf);
     EXPECT_EQ(h.run_instruction(), row.trace);
 }
 
@@ -133,10 +123,10 @@ TEST(M6502BusTest, JamRepeatsForEverAtFfff)
     for (int i = 0; i < 20; i++) {
         h.pins = m6502_tick(&h.cpu, h.pins);
         EXPECT_EQ(h.cycle(), "RFFFF");
-        EXPECT_EQ(m6502_get_data(h.pins), 0xFF);
+        EXPECT_EQ(cpu65_get_data(h.pins), 0xFF);
     }
     // A reset on the pins doesn't help: only a fetch looks at RES.
-    h.set_input(m6502_pin_res, true);
+    h.set_input(cpu65_pin_res, true);
     h.tick();
     EXPECT_EQ(h.cycle(), "RFFFF");
 }

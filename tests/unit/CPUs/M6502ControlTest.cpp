@@ -7,51 +7,6 @@
 
 namespace {
 
-constexpr uint16_t irq_handler = 0x3000;
-constexpr uint16_t nmi_handler = 0x3100;
-
-// NOPs everywhere the tests run, the program's first bytes on top.
-void load_program(M6502Harness& h, const std::vector<uint8_t>& code, uint8_t p = m6502_bf | m6502_xf)
-{
-    for (int addr = 0x0300; addr < 0x0500; addr++) {
-        h.mem(static_cast<uint16_t>(addr)) = 0xEA;
-    }
-    for (int addr = irq_handler; addr < nmi_handler + 0x100; addr++) {
-        h.mem(static_cast<uint16_t>(addr)) = 0xEA;
-    }
-    for (size_t i = 0; i < code.size(); i++) {
-        h.mem(static_cast<uint16_t>(0x0400 + i)) = code[i];
-    }
-    h.load(0xFFFA, {nmi_handler & 0xFF, nmi_handler >> 8});
-    h.load(0xFFFE, {irq_handler & 0xFF, irq_handler >> 8});
-    h.reset_to(0x0400);
-    m6502_set_p(&h.cpu, p);
-}
-
-// Tick 1 fetches the first opcode. `input` is on the pins for the ticks from `from` up to `to`.
-// Returns the cycles that the ticks ask for, one per tick.
-std::vector<std::string> run(M6502Harness& h, uint64_t input, int from, int to, int ticks = 24)
-{
-    std::vector<std::string> cycles;
-    for (int t = 1; t <= ticks; t++) {
-        h.set_input(input, t >= from && t < to);
-        h.tick();
-        cycles.push_back(h.cycle());
-    }
-    return cycles;
-}
-
-// The fetch tick whose opcode an interrupt dropped (the tick before the first push), or 0.
-int taken_at(const std::vector<std::string>& cycles)
-{
-    for (size_t i = 0; i < cycles.size(); i++) {
-        if (cycles[i].rfind("W01", 0) == 0) {
-            return static_cast<int>(i);  // index i is tick i + 1; the fetch was the tick before
-        }
-    }
-    return 0;
-}
-
 struct InterruptCase
 {
     const char* name;           // what the row shows
@@ -64,20 +19,20 @@ struct InterruptCase
 
 // clang-format off
 const InterruptCase interrupt_cases[] = {
-    {"IrqSeenTwoTicksBeforeFetch", {}, 0x30, m6502_pin_irq, 1, 99, 3},
-    {"IrqOneTickTooLateWaitsAnInstruction", {}, 0x30, m6502_pin_irq, 2, 99, 5},
-    {"IrqOnFetchTick", {}, 0x30, m6502_pin_irq, 3, 99, 5},
-    {"IrqPulseTwoTicksBeforeFetchIsTaken", {}, 0x30, m6502_pin_irq, 1, 2, 3},
-    {"IrqPulseThreeTicksBeforeFetchIsLost", {}, 0x30, m6502_pin_irq, 2, 3, 0},
-    {"IrqMaskedByI", {}, 0x34, m6502_pin_irq, 1, 99, 0},
-    {"IrqAfterCliWaitsAnInstruction", {0x58}, 0x34, m6502_pin_irq, 1, 99, 5},
-    {"IrqLatchedBeforeSeiIsTaken", {0x78}, 0x30, m6502_pin_irq, 1, 99, 3},
-    {"TakenBranchInPageDelaysIrq", {0xD0, 0x00}, 0x30, m6502_pin_irq, 2, 99, 6},
-    {"TakenBranchAcrossPageDoesNotDelay", {0xD0, 0x80}, 0x30, m6502_pin_irq, 2, 99, 5},
-    {"UntakenBranchDoesNotDelay", {0xF0, 0x00}, 0x30, m6502_pin_irq, 1, 99, 3},
-    {"NmiPulseTwoTicksBeforeFetch", {}, 0x34, m6502_pin_nmi, 1, 2, 3},
-    {"NmiPulseWaitsForNextFetch", {}, 0x34, m6502_pin_nmi, 2, 3, 5},
-    {"NmiHeldIsOneEdge", {}, 0x34, m6502_pin_nmi, 2, 99, 5},
+    {"IrqSeenTwoTicksBeforeFetch", {}, 0x30, cpu65_pin_irq, 1, 99, 3},
+    {"IrqOneTickTooLateWaitsAnInstruction", {}, 0x30, cpu65_pin_irq, 2, 99, 5},
+    {"IrqOnFetchTick", {}, 0x30, cpu65_pin_irq, 3, 99, 5},
+    {"IrqPulseTwoTicksBeforeFetchIsTaken", {}, 0x30, cpu65_pin_irq, 1, 2, 3},
+    {"IrqPulseThreeTicksBeforeFetchIsLost", {}, 0x30, cpu65_pin_irq, 2, 3, 0},
+    {"IrqMaskedByI", {}, 0x34, cpu65_pin_irq, 1, 99, 0},
+    {"IrqAfterCliWaitsAnInstruction", {0x58}, 0x34, cpu65_pin_irq, 1, 99, 5},
+    {"IrqLatchedBeforeSeiIsTaken", {0x78}, 0x30, cpu65_pin_irq, 1, 99, 3},
+    {"TakenBranchInPageDelaysIrq", {0xD0, 0x00}, 0x30, cpu65_pin_irq, 2, 99, 6},
+    {"TakenBranchAcrossPageDoesNotDelay", {0xD0, 0x80}, 0x30, cpu65_pin_irq, 2, 99, 5},
+    {"UntakenBranchDoesNotDelay", {0xF0, 0x00}, 0x30, cpu65_pin_irq, 1, 99, 3},
+    {"NmiPulseTwoTicksBeforeFetch", {}, 0x34, cpu65_pin_nmi, 1, 2, 3},
+    {"NmiPulseWaitsForNextFetch", {}, 0x34, cpu65_pin_nmi, 2, 3, 5},
+    {"NmiHeldIsOneEdge", {}, 0x34, cpu65_pin_nmi, 2, 99, 5},
 };
 // clang-format on
 
@@ -89,8 +44,8 @@ TEST_P(M6502InterruptTest, TakesInterruptAtFetch)
 {
     const InterruptCase& row = GetParam();
     M6502Harness h;
-    load_program(h, row.code, row.p);
-    EXPECT_EQ(taken_at(run(h, row.input, row.from, row.to)), row.expected);
+    h.load_program(row.code, row.p);
+    EXPECT_EQ(taken_at(h.run(row.input, row.from, row.to)), row.expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Timing, M6502InterruptTest, testing::ValuesIn(interrupt_cases),
@@ -101,9 +56,9 @@ INSTANTIATE_TEST_SUITE_P(Timing, M6502InterruptTest, testing::ValuesIn(interrupt
 TEST(M6502ControlTest, IrqPushesPcOfDroppedOpcodeAndBClear)
 {
     M6502Harness h;
-    load_program(h, {});
-    m6502_set_p(&h.cpu, m6502_bf | m6502_cf);
-    const auto cycles = run(h, m6502_pin_irq, 1, 99, 10);
+    h.load_program({});
+    m6502_set_p(&h.cpu, cpu65_bf | cpu65_cf);
+    const auto cycles = h.run(cpu65_pin_irq, 1, 99, 10);
     // Tick 3 would have fetched the opcode at 0x0401.
     EXPECT_EQ(cycles[2], "R0401");
     EXPECT_EQ(cycles[3], "W01FD=04");
@@ -112,16 +67,16 @@ TEST(M6502ControlTest, IrqPushesPcOfDroppedOpcodeAndBClear)
     EXPECT_EQ(cycles[6], "RFFFE");
     EXPECT_EQ(cycles[7], "RFFFF");
     EXPECT_EQ(cycles[8], "F3000");
-    EXPECT_EQ(m6502_p(&h.cpu), m6502_bf | m6502_if | m6502_cf);
+    EXPECT_EQ(m6502_p(&h.cpu), cpu65_bf | cpu65_if | cpu65_cf);
 }
 
 TEST(M6502ControlTest, NmiHeldHighTriggersOnceAndAgainAfterFalling)
 {
     M6502Harness h;
-    load_program(h, {});
+    h.load_program({});
     int vector_reads = 0;
     for (int t = 1; t <= 120; t++) {
-        h.set_input(m6502_pin_nmi, t < 50 || t >= 60);
+        h.set_input(cpu65_pin_nmi, t < 50 || t >= 60);
         h.tick();
         vector_reads += h.cycle() == "RFFFA";
     }
@@ -131,16 +86,16 @@ TEST(M6502ControlTest, NmiHeldHighTriggersOnceAndAgainAfterFalling)
 TEST(M6502ControlTest, NmiWinsOverIrqAndResetWinsOverBoth)
 {
     M6502Harness h;
-    load_program(h, {});
-    const auto cycles = run(h, m6502_pin_irq | m6502_pin_nmi, 1, 99, 8);
+    h.load_program({});
+    const auto cycles = h.run(cpu65_pin_irq | cpu65_pin_nmi, 1, 99, 8);
     EXPECT_EQ(cycles[6], "RFFFA");
 
     M6502Harness r;
-    load_program(r, {});
-    r.set_input(m6502_pin_irq | m6502_pin_nmi, true);
+    r.load_program({});
+    r.set_input(cpu65_pin_irq | cpu65_pin_nmi, true);
     r.tick();
     r.tick();
-    r.set_input(m6502_pin_res, true);
+    r.set_input(cpu65_pin_res, true);
     std::vector<std::string> reset_cycles;
     for (int t = 0; t < 7; t++) {
         r.tick();
@@ -176,10 +131,10 @@ TEST_P(M6502RdyTest, StallsOnlyOnReads)
 {
     const RdyCase& row = GetParam();
     M6502Harness h;
-    load_program(h, row.code);
+    h.load_program(row.code);
     m6502_set_a(&h.cpu, 0x55);
     std::string trace;
-    for (const auto& c : run(h, m6502_pin_rdy, row.from, row.to, 8)) {
+    for (const auto& c : h.run(cpu65_pin_rdy, row.from, row.to, 8)) {
         trace += (trace.empty() ? "" : " ") + c;
     }
     EXPECT_EQ(trace, row.trace);
@@ -206,23 +161,23 @@ TEST(M6502ControlTest, InitThenSevenTicksRunTheResetSequence)
     EXPECT_EQ(m6502_pc(&h.cpu), 0x1234);
     EXPECT_EQ(m6502_s(&h.cpu), 0xFD);
     EXPECT_EQ(m6502_p(&h.cpu), 0x16);
-    EXPECT_FALSE(h.pins & m6502_pin_res);
+    EXPECT_FALSE(h.pins & cpu65_pin_res);
 }
 
 TEST(M6502ControlTest, ResOnFetchRestartsAndClearsPort)
 {
     M6502Harness h;
-    load_program(h, {});
+    h.load_program({});
     h.cpu.port_direction = 0x3F;
     h.cpu.port_output = 0x15;
     h.cpu.port_pins = 0x15;
     h.tick();
     EXPECT_EQ(m6502_get_port(h.pins), 0x15);
     h.tick();
-    h.set_input(m6502_pin_res, true);  // on the next fetch
+    h.set_input(cpu65_pin_res, true);  // on the next fetch
     h.tick();
     EXPECT_EQ(h.cycle(), "R0401");
-    EXPECT_FALSE(h.pins & m6502_pin_res);
+    EXPECT_FALSE(h.pins & cpu65_pin_res);
     EXPECT_EQ(m6502_get_port(h.pins), 0);
     EXPECT_EQ(h.cpu.port_direction, 0);
     EXPECT_EQ(h.cpu.port_output, 0);
@@ -252,8 +207,8 @@ void port_out(uint8_t data, void* user_data)
 
 uint64_t port_access(m6502_t* c, uint16_t addr, bool read, uint8_t data = 0)
 {
-    uint64_t pins = m6502_set_data(m6502_set_addr(0, addr), data);
-    return m6510_iorq(c, read ? pins | m6502_pin_rw : pins);
+    uint64_t pins = cpu65_set_data(cpu65_set_addr(0, addr), data);
+    return m6510_iorq(c, read ? pins | cpu65_pin_rw : pins);
 }
 
 TEST(M6502ControlTest, PortDrivesOutputsPullsUpAndKeepsFloatingBits)
@@ -277,12 +232,12 @@ TEST(M6502ControlTest, PortDrivesOutputsPullsUpAndKeepsFloatingBits)
 
     world.input = 0x80;
     // Inputs: bits 4 and 5 float at their last driven level, bit 7 comes from outside.
-    EXPECT_EQ(m6502_get_data(port_access(&cpu, 1, true)), 0xB5);
-    EXPECT_EQ(m6502_get_data(port_access(&cpu, 0, true)), 0x0F);
+    EXPECT_EQ(cpu65_get_data(port_access(&cpu, 1, true)), 0xB5);
+    EXPECT_EQ(cpu65_get_data(port_access(&cpu, 0, true)), 0x0F);
     EXPECT_EQ(cpu.port_pins, 0x85);
 
     // P0 to P5 show on the pins after every tick.
-    const uint64_t pins = m6502_tick(&cpu, m6502_pin_rw | 0x1234);
+    const uint64_t pins = m6502_tick(&cpu, cpu65_pin_rw | 0x1234);
     EXPECT_EQ(m6502_get_port(pins), 0x05);
 }
 

@@ -13,15 +13,13 @@ struct M6502Core
 {
     using cpu_t = m6502_t;
     using desc_t = m6502_desc_t;
-    static constexpr uint64_t pin_rw = m6502_pin_rw;
-    static constexpr uint64_t pin_sync = m6502_pin_sync;
     static uint64_t init(cpu_t* c, const desc_t* d) { return m6502_init(c, d); }
     static uint64_t tick(cpu_t* c, uint64_t pins) { return m6502_tick(c, pins); }
     static void set_pc(cpu_t* c, uint16_t pc) { m6502_set_pc(c, pc); }
-    static uint16_t get_addr(uint64_t pins) { return m6502_get_addr(pins); }
-    static uint64_t set_addr(uint64_t pins, uint16_t addr) { return m6502_set_addr(pins, addr); }
-    static uint8_t get_data(uint64_t pins) { return m6502_get_data(pins); }
-    static uint64_t set_data(uint64_t pins, uint8_t data) { return m6502_set_data(pins, data); }
+    static void set_a(cpu_t* c, uint8_t v) { m6502_set_a(c, v); }
+    static void set_x(cpu_t* c, uint8_t v) { m6502_set_x(c, v); }
+    static void set_y(cpu_t* c, uint8_t v) { m6502_set_y(c, v); }
+    static void set_p(cpu_t* c, uint8_t p) { m6502_set_p(c, p); }
 };
 
 using M6502Harness = CpuHarness<M6502Core>;

@@ -67,19 +67,9 @@ TEST_P(M6502OpcodeTest, ComputesResult)
 {
     const OpcodeCase& row = GetParam();
     M6502Harness h(row.bcd_disabled);
-    uint16_t addr = 0x0400;
-    for (uint8_t b : row.code) {
-        h.mem(addr++) = b;
-    }
-    for (const auto& [where, value] : row.data) {
-        h.mem(where) = value;
-    }
-    h.reset_to(0x0400);
-    m6502_set_a(&h.cpu, row.a);
-    m6502_set_x(&h.cpu, row.x);
-    m6502_set_y(&h.cpu, row.y);
+    h.load_and_reset(row.code, row.data);
+    h.set_registers(row.a, row.x, row.y, row.p);
     m6502_set_s(&h.cpu, row.s);
-    m6502_set_p(&h.cpu, row.p);
     h.run_instruction();
     EXPECT_EQ(m6502_a(&h.cpu), row.want_a);
     EXPECT_EQ(m6502_x(&h.cpu), row.want_x);
@@ -136,7 +126,7 @@ TEST(M6502OpcodeTest, EveryOpcodeTakesItsCycles)
         do {
             h.tick();
             ticks++;
-        } while (!(h.pins & m6502_pin_sync) && ticks < 10);
+        } while (!(h.pins & cpu65_pin_sync) && ticks < 10);
         EXPECT_EQ(ticks, cycles_per_opcode[op]) << "opcode " << std::hex << op;
     }
 }

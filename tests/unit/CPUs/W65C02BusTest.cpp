@@ -85,18 +85,8 @@ TEST_P(W65C02BusTest, RunsCyclesInOrder)
 {
     const BusCase& row = GetParam();
     W65C02Harness h;
-    uint16_t addr = 0x0400;
-    for (uint8_t b : row.code) {
-        h.mem(addr++) = b;
-    }
-    for (const auto& [where, value] : row.data) {
-        h.mem(where) = value;
-    }
-    h.reset_to(0x0400);
-    w65c02_set_a(&h.cpu, a_value);
-    w65c02_set_x(&h.cpu, row.x);
-    w65c02_set_y(&h.cpu, row.y);
-    w65c02_set_p(&h.cpu, row.p | w65c02_bf | w65c02_xf);
+    h.load_and_reset(row.code, row.data);
+    h.set_registers(a_value, row.x, row.y, row.p | cpu65_bf | cpu65_xf);
     EXPECT_EQ(h.run_instruction(), row.trace);
 }
 
@@ -147,7 +137,7 @@ TEST(W65C02BusTest, EveryOpcodeTakesItsCycles)
         do {
             h.tick();
             ticks++;
-        } while (!(h.pins & w65c02_pin_sync) && ticks < 10);
+        } while (!(h.pins & cpu65_pin_sync) && ticks < 10);
         EXPECT_EQ(ticks, cycles_per_opcode[op]) << "opcode " << std::hex << op;
     }
 }

@@ -7,40 +7,6 @@
 
 namespace {
 
-constexpr uint16_t irq_handler = 0x3000;
-constexpr uint16_t nmi_handler = 0x3100;
-
-// NOPs everywhere the tests run, the program's first bytes on top.
-void load_program(W65C02Harness& h, const std::vector<uint8_t>& code, uint8_t p = w65c02_bf | w65c02_xf)
-{
-    for (int addr = 0x0300; addr < 0x0500; addr++) {
-        h.mem(static_cast<uint16_t>(addr)) = 0xEA;
-    }
-    for (int addr = irq_handler; addr < nmi_handler + 0x100; addr++) {
-        h.mem(static_cast<uint16_t>(addr)) = 0xEA;
-    }
-    for (size_t i = 0; i < code.size(); i++) {
-        h.mem(static_cast<uint16_t>(0x0400 + i)) = code[i];
-    }
-    h.load(0xFFFA, {nmi_handler & 0xFF, nmi_handler >> 8});
-    h.load(0xFFFE, {irq_handler & 0xFF, irq_handler >> 8});
-    h.reset_to(0x0400);
-    w65c02_set_p(&h.cpu, p);
-}
-
-// Tick 1 fetches the first opcode. `input` is on the pins for the ticks from `from` up to `to`.
-// Returns the cycles that the ticks ask for, one per tick.
-std::vector<std::string> run(W65C02Harness& h, uint64_t input, int from, int to, int ticks = 24)
-{
-    std::vector<std::string> cycles;
-    for (int t = 1; t <= ticks; t++) {
-        h.set_input(input, t >= from && t < to);
-        h.tick();
-        cycles.push_back(h.cycle());
-    }
-    return cycles;
-}
-
 std::string joined(const std::vector<std::string>& cycles)
 {
     std::string text;
@@ -48,17 +14,6 @@ std::string joined(const std::vector<std::string>& cycles)
         text += (text.empty() ? "" : " ") + c;
     }
     return text;
-}
-
-// The fetch tick whose opcode an interrupt dropped (the tick before the first push), or 0.
-int taken_at(const std::vector<std::string>& cycles)
-{
-    for (size_t i = 0; i < cycles.size(); i++) {
-        if (cycles[i].rfind("W01", 0) == 0) {
-            return static_cast<int>(i);  // index i is tick i + 1; the fetch was the tick before
-        }
-    }
-    return 0;
 }
 
 struct InterruptCase
@@ -73,13 +28,13 @@ struct InterruptCase
 
 // clang-format off
 const InterruptCase interrupt_cases[] = {
-    {"IrqSeenTwoTicksBeforeFetch", {}, 0x30, w65c02_pin_irq, 1, 99, 3},
-    {"IrqOneTickTooLateWaitsAnInstruction", {}, 0x30, w65c02_pin_irq, 2, 99, 5},
-    {"IrqMaskedByI", {}, 0x34, w65c02_pin_irq, 1, 99, 0},
-    {"TakenBranchInPageDoesNotDelayIrq", {0xD0, 0x00}, 0x30, w65c02_pin_irq, 2, 99, 4},
-    {"BraInPageDoesNotDelayIrq", {0x80, 0x00}, 0x30, w65c02_pin_irq, 2, 99, 4},
-    {"NmiPulseWaitsForNextFetch", {}, 0x34, w65c02_pin_nmi, 2, 3, 5},
-    {"OneByteNopsFetchEveryTick", {0x03, 0x03, 0x03}, 0x30, w65c02_pin_irq, 1, 99, 3},
+    {"IrqSeenTwoTicksBeforeFetch", {}, 0x30, cpu65_pin_irq, 1, 99, 3},
+    {"IrqOneTickTooLateWaitsAnInstruction", {}, 0x30, cpu65_pin_irq, 2, 99, 5},
+    {"IrqMaskedByI", {}, 0x34, cpu65_pin_irq, 1, 99, 0},
+    {"TakenBranchInPageDoesNotDelayIrq", {0xD0, 0x00}, 0x30, cpu65_pin_irq, 2, 99, 4},
+    {"BraInPageDoesNotDelayIrq", {0x80, 0x00}, 0x30, cpu65_pin_irq, 2, 99, 4},
+    {"NmiPulseWaitsForNextFetch", {}, 0x34, cpu65_pin_nmi, 2, 3, 5},
+    {"OneByteNopsFetchEveryTick", {0x03, 0x03, 0x03}, 0x30, cpu65_pin_irq, 1, 99, 3},
 };
 // clang-format on
 
@@ -91,8 +46,8 @@ TEST_P(W65C02InterruptTest, TakesInterruptAtFetch)
 {
     const InterruptCase& row = GetParam();
     W65C02Harness h;
-    load_program(h, row.code, row.p);
-    EXPECT_EQ(taken_at(run(h, row.input, row.from, row.to)), row.expected);
+    h.load_program(row.code, row.p);
+    EXPECT_EQ(taken_at(h.run(row.input, row.from, row.to)), row.expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Timing, W65C02InterruptTest, testing::ValuesIn(interrupt_cases),
@@ -103,18 +58,18 @@ INSTANTIATE_TEST_SUITE_P(Timing, W65C02InterruptTest, testing::ValuesIn(interrup
 TEST(W65C02ControlTest, IrqClearsDInHandlerAndSetsVpOnVectorReadsOnly)
 {
     W65C02Harness h;
-    load_program(h, {}, w65c02_bf | w65c02_df | w65c02_cf);
+    h.load_program({}, cpu65_bf | cpu65_df | cpu65_cf);
     std::string trace;
     std::string vp;
     for (int t = 1; t <= 10; t++) {
-        h.set_input(w65c02_pin_irq, true);
+        h.set_input(cpu65_pin_irq, true);
         h.tick();
         trace += (t > 1 ? " " : "") + h.cycle();
         vp += (h.pins & w65c02_pin_vp) ? '1' : '0';
     }
     EXPECT_EQ(trace, "R0401 F0401 R0401 W01FD=04 W01FC=01 W01FB=29 RFFFE RFFFF F3000 R3001");
     EXPECT_EQ(vp, "0000001100");
-    EXPECT_EQ(w65c02_p(&h.cpu), w65c02_bf | w65c02_if | w65c02_cf);
+    EXPECT_EQ(w65c02_p(&h.cpu), cpu65_bf | cpu65_if | cpu65_cf);
 }
 
 TEST(W65C02ControlTest, InitThenSevenTicksRunTheResetSequence)
@@ -138,15 +93,15 @@ TEST(W65C02ControlTest, InitThenSevenTicksRunTheResetSequence)
 TEST(W65C02ControlTest, ResInMidInstructionRestartsAtOnce)
 {
     W65C02Harness h;
-    load_program(h, {0x8D, 0x34, 0x12});  // STA abs: RES comes on its write cycle
+    h.load_program({0x8D, 0x34, 0x12});  // STA abs: RES comes on its write cycle
     h.load(0xFFFC, {0x00, 0x20});
     h.tick();
     h.tick();
     h.tick();
     EXPECT_EQ(h.cycle(), "W1234=00");
-    h.set_input(w65c02_pin_res, true);
+    h.set_input(cpu65_pin_res, true);
     h.tick();
-    h.set_input(w65c02_pin_res, false);
+    h.set_input(cpu65_pin_res, false);
     EXPECT_EQ(h.cycle(), "R0403");  // pc stays until the vector loads
     for (int t = 0; t < 6; t++) {
         h.tick();
@@ -158,9 +113,9 @@ TEST(W65C02ControlTest, ResInMidInstructionRestartsAtOnce)
 TEST(W65C02ControlTest, RdyStallsWriteCycles)
 {
     W65C02Harness h;
-    load_program(h, {0x85, 0x80});
+    h.load_program({0x85, 0x80});
     w65c02_set_a(&h.cpu, 0x55);
-    EXPECT_EQ(joined(run(h, w65c02_pin_rdy, 3, 5, 5)), "R0401 W0080=55 W0080=55 W0080=55 F0402");
+    EXPECT_EQ(joined(h.run(cpu65_pin_rdy, 3, 5, 5)), "R0401 W0080=55 W0080=55 W0080=55 F0402");
 }
 
 struct WaiCase
@@ -174,11 +129,11 @@ struct WaiCase
 // clang-format off
 const WaiCase wai_cases[] = {
     {"WaitsWithRdyHeld", 0x30, 0, "R0401 R0401 R0401 R0401 R0401 R0401 R0401 R0401 R0401"},
-    {"MaskedIrqGoesOnAtNextInstruction", 0x34, w65c02_pin_irq,
+    {"MaskedIrqGoesOnAtNextInstruction", 0x34, cpu65_pin_irq,
      "R0401 R0401 R0401 R0401 R0401 R0401 F0401 R0402 F0402"},
-    {"IrqWakesIntoHandler", 0x30, w65c02_pin_irq,
+    {"IrqWakesIntoHandler", 0x30, cpu65_pin_irq,
      "R0401 R0401 R0401 R0401 R0401 R0401 F0401 R0401 W01FD=04"},
-    {"NmiWakesIntoHandler", 0x34, w65c02_pin_nmi,
+    {"NmiWakesIntoHandler", 0x34, cpu65_pin_nmi,
      "R0401 R0401 R0401 R0401 R0401 R0401 F0401 R0401 W01FD=04"},
 };
 // clang-format on
@@ -191,14 +146,14 @@ TEST_P(W65C02WaiTest, WaitsForAnInterruptLine)
 {
     const WaiCase& row = GetParam();
     W65C02Harness h;
-    load_program(h, {0xCB}, row.p);
+    h.load_program({0xCB}, row.p);
     std::vector<std::string> cycles;
     for (int t = 1; t <= 9; t++) {
         h.set_input(row.input, t >= 5);
         h.tick();
         cycles.push_back(h.cycle());
         if (t == 1) {
-            EXPECT_TRUE(h.pins & w65c02_pin_rdy) << "WAI hands out RDY";
+            EXPECT_TRUE(h.pins & cpu65_pin_rdy) << "WAI hands out RDY";
         }
     }
     EXPECT_EQ(joined(cycles), row.trace);
@@ -212,28 +167,28 @@ INSTANTIATE_TEST_SUITE_P(Wai, W65C02WaiTest, testing::ValuesIn(wai_cases),
 TEST(W65C02ControlTest, WaiWithIrqAlreadyOnDoesNotWait)
 {
     W65C02Harness h;
-    load_program(h, {0xCB}, 0x34);
-    EXPECT_EQ(joined(run(h, w65c02_pin_irq, 1, 99, 4)), "R0401 R0401 F0401 R0402");
+    h.load_program({0xCB}, 0x34);
+    EXPECT_EQ(joined(h.run(cpu65_pin_irq, 1, 99, 4)), "R0401 R0401 F0401 R0402");
 }
 
 TEST(W65C02ControlTest, StpHandsBackPinsUntilRes)
 {
     W65C02Harness h;
-    load_program(h, {0xDB});
+    h.load_program({0xDB});
     h.load(0xFFFC, {0x00, 0x20});
     h.tick();
     EXPECT_EQ(h.cycle(), "R0401");
     const w65c02_t before = h.cpu;
-    for (uint64_t input : {uint64_t{0}, w65c02_pin_irq, w65c02_pin_nmi, w65c02_pin_irq | w65c02_pin_rdy}) {
+    for (uint64_t input : {uint64_t{0}, cpu65_pin_irq, cpu65_pin_nmi, cpu65_pin_irq | cpu65_pin_rdy}) {
         const uint64_t given = h.pins | input | 0x12345ULL;
         EXPECT_EQ(w65c02_tick(&h.cpu, given), given);
     }
     EXPECT_EQ(h.cpu.irq_pip, before.irq_pip);
     EXPECT_EQ(h.cpu.nmi_pip, before.nmi_pip);
     EXPECT_EQ(h.cpu.ir, before.ir);
-    h.set_input(w65c02_pin_res, true);
+    h.set_input(cpu65_pin_res, true);
     h.tick();
-    h.set_input(w65c02_pin_res, false);
+    h.set_input(cpu65_pin_res, false);
     for (int t = 0; t < 6; t++) {
         h.tick();
     }

@@ -13,15 +13,13 @@ struct W65C02Core
 {
     using cpu_t = w65c02_t;
     using desc_t = w65c02_desc_t;
-    static constexpr uint64_t pin_rw = w65c02_pin_rw;
-    static constexpr uint64_t pin_sync = w65c02_pin_sync;
     static uint64_t init(cpu_t* c, const desc_t* d) { return w65c02_init(c, d); }
     static uint64_t tick(cpu_t* c, uint64_t pins) { return w65c02_tick(c, pins); }
     static void set_pc(cpu_t* c, uint16_t pc) { w65c02_set_pc(c, pc); }
-    static uint16_t get_addr(uint64_t pins) { return w65c02_get_addr(pins); }
-    static uint64_t set_addr(uint64_t pins, uint16_t addr) { return w65c02_set_addr(pins, addr); }
-    static uint8_t get_data(uint64_t pins) { return w65c02_get_data(pins); }
-    static uint64_t set_data(uint64_t pins, uint8_t data) { return w65c02_set_data(pins, data); }
+    static void set_a(cpu_t* c, uint8_t v) { w65c02_set_a(c, v); }
+    static void set_x(cpu_t* c, uint8_t v) { w65c02_set_x(c, v); }
+    static void set_y(cpu_t* c, uint8_t v) { w65c02_set_y(c, v); }
+    static void set_p(cpu_t* c, uint8_t p) { w65c02_set_p(c, p); }
 };
 
 using W65C02Harness = CpuHarness<W65C02Core>;

@@ -58,19 +58,9 @@ TEST_P(W65C02OpcodeTest, ComputesResult)
 {
     const OpcodeCase& row = GetParam();
     W65C02Harness h(row.bcd_disabled);
-    uint16_t addr = 0x0400;
-    for (uint8_t b : row.code) {
-        h.mem(addr++) = b;
-    }
-    for (const auto& [where, value] : row.data) {
-        h.mem(where) = value;
-    }
-    h.reset_to(0x0400);
-    w65c02_set_a(&h.cpu, row.a);
-    w65c02_set_x(&h.cpu, row.x);
-    w65c02_set_y(&h.cpu, row.y);
+    h.load_and_reset(row.code, row.data);
+    h.set_registers(row.a, row.x, row.y, row.p);
     w65c02_set_s(&h.cpu, row.s);
-    w65c02_set_p(&h.cpu, row.p);
     h.run_instruction();
     EXPECT_EQ(w65c02_a(&h.cpu), row.want_a);
     EXPECT_EQ(w65c02_x(&h.cpu), row.want_x);

@@ -1,177 +1,15 @@
 #include "Core/Components/CPUs/MOS6502/MOS6502.h"
 
-#include "PartHarness.h"
+#include "ProcessorBench.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
-using Morvane::Input;
-using Morvane::Output;
-
 namespace {
 
-constexpr int period = 1000;  // ns, a 1 MHz clock; it falls at every multiple of this
-
-// 64 KiB that answer reads at once: "Dout" shows the byte at "A" while "_R/W" is H and "A" is a
-// number, and floats otherwise; a write is stored when "PHI2" falls with "_R/W" L.
-class TestMemory : public Component
-{
-public:
-    TestMemory() : Component("TestMemory", "mem", ParaMap()), bytes(0x10000, 0)
-    {
-        _a = make_port(16, Input, "A");
-        _rw = make_pin(Input, "_R/W");
-        _phi2 = make_pin(Input, "PHI2");
-        _din = make_port(8, Input, "Din");
-        _dout = make_port(8, Output, "Dout");
-    }
-
-    void port_changed_value(Port* port, const Value&, const Value&, int time) override
-    {
-        request_evaluation(time, this, port);
-    }
-    void evaluate(int time) override
-    {
-        Value a = _a->value(time);
-        bool read = _rw->value(time) == 'H';
-        if (_phi2->negative_flank_at(time) && _rw->value(time) == 'L' && a.is_integer()) {
-            Value d = _din->value(time);
-            bytes[static_cast<std::size_t>(a.integer())] =
-                d.is_integer() ? static_cast<uint8_t>(d.integer()) : 0xEE;
-        }
-        Value out("ZZZZZZZZ");
-        if (read && a.is_integer())
-            out.set_to(bytes[static_cast<std::size_t>(a.integer())]);
-        _dout->set(out, time);
-    }
-    std::vector<std::string> get_valid_param_keys() override { return {}; }
-    void update_after_param_change() override {}
-
-    void load(uint16_t at, const std::vector<uint8_t>& program)
-    {
-        for (uint8_t b : program)
-            bytes[at++] = b;
-    }
-
-    std::vector<uint8_t> bytes;  // the memory, by address
-
-private:
-    Port* _a = nullptr;     // address
-    Pin* _rw = nullptr;     // H read, L write
-    Pin* _phi2 = nullptr;   // writes are taken at its fall
-    Port* _din = nullptr;   // the data bus, heard
-    Port* _dout = nullptr;  // the data bus, driven
-};
-
-// A processor from the factory: a 1 MHz clock, an input stimulus on every other input (all H unless a
-// test says otherwise), and nets on every output. The data bus goes to a test memory, or to a
-// stimulus of its own when `with_memory` is false.
-struct CpuBench
-{
-    explicit CpuBench(bool with_memory = true, const std::string& spec = "cpu")
-    {
-        cpu = dynamic_cast<MOS6502*>(h.part("MOS6502", spec));
-        h.net("phi0", {clk, cpu->port("PHI0")});
-        h.net("res", {res, cpu->port("_RES")});
-        h.net("irq", {irq, cpu->port("_IRQ")});
-        h.net("nmi", {nmi, cpu->port("_NMI")});
-        h.net("rdy", {rdy, cpu->port("RDY")});
-        h.net("so", {so, cpu->port("_SO")});
-        sync = h.net("sync", {cpu->port("SYNC")});
-        phi1 = h.net("phi1", {cpu->port("PHI1")});
-        if (with_memory) {
-            h.root.add(&mem, false);
-            a = h.net("a", {cpu->port("A"), mem.port("A")});
-            rw = h.net("rw", {cpu->port("_R/W"), mem.port("_R/W")});
-            phi2 = h.net("phi2", {cpu->port("PHI2"), mem.port("PHI2")});
-            d = h.net("d", {cpu->port("D"), mem.port("Din"), mem.port("Dout")});
-        } else {
-            a = h.net("a", {cpu->port("A")});
-            rw = h.net("rw", {cpu->port("_R/W")});
-            phi2 = h.net("phi2", {cpu->port("PHI2")});
-            d = h.net("d", {cpu->port("D"), data});
-        }
-        simulator()->reset(0);
-        for (Port* p : {res, irq, nmi, rdy, so})
-            p->set(Value("H"), 0);
-    }
-    ~CpuBench() { h.root.remove(&mem); }
-
-    /// Clock periods from 0 on: L for the first half, H for the second.
-    void clock(int periods)
-    {
-        for (int i = 0; i < periods; ++i) {
-            clk->set(Value("L"), i * period);
-            clk->set(Value("H"), i * period + period / 2);
-        }
-    }
-    /// Program at `at`, with the reset vector pointing there.
-    void program(uint16_t at, const std::vector<uint8_t>& code)
-    {
-        mem.load(at, code);
-        mem.load(0xFFFC, {static_cast<uint8_t>(at), static_cast<uint8_t>(at >> 8)});
-    }
-    void run(int periods)
-    {
-        clock(periods);
-        simulator()->simulate(periods * period);
-    }
-
-    PartHarness h;
-    TestMemory mem;                    // on the bus unless the data come from `data`
-    Port* clk = h.source("clk");       // "PHI0"
-    Port* res = h.source("res");       // "_RES"
-    Port* irq = h.source("irq");       // "_IRQ"
-    Port* nmi = h.source("nmi");       // "_NMI"
-    Port* rdy = h.source("rdy");       // "RDY"
-    Port* so = h.source("so");         // "_SO"
-    Port* data = h.source("data", 8);  // the data bus without memory
-    MOS6502* cpu = nullptr;            // the part
-    Net* a = nullptr;                  // on "A"
-    Net* rw = nullptr;                 // on "_R/W"
-    Net* sync = nullptr;               // on "SYNC"
-    Net* phi1 = nullptr;               // on "PHI1"
-    Net* phi2 = nullptr;               // on "PHI2"
-    Net* d = nullptr;                  // on "D"
-};
-
-// A value as a test reads it: one bit as its letter, a number in hexadecimal, else the letters.
-std::string shown(const Value& value)
-{
-    return value.size() == 1 ? std::string(value) : value.readable();
-}
-
-// The changes of a history from `from` to `to` ns, as "<time>:<value> ".
-std::string wave(const ValueHistory& history, int from, int to)
-{
-    std::string text;
-    std::string last;
-    for (const auto& entry : history.entries()) {
-        std::string now = shown(entry.value);
-        if (now == last)
-            continue;
-        last = now;
-        if (entry.time >= from && entry.time <= to)
-            text += std::to_string(entry.time) + ":" + now + " ";
-    }
-    return text;
-}
-
-// The valid addresses up to `to` ns in order: one for each cycle, since "A" is undefined between two.
-std::string addresses(const ValueHistory& history, int to)
-{
-    std::string text;
-    std::string last;
-    for (const auto& entry : history.entries()) {
-        std::string now = shown(entry.value);
-        if (entry.time <= to && now != last && entry.value.is_integer())
-            text += now + " ";
-        last = now;
-    }
-    return text;
-}
+using CpuBench = ProcessorBench<MOS6502>;
 
 // The falls of 1000 to 11000 with a NOP on the bus: the reset sequence, then the slide from EAEA.
 const char* const reset_then_nops = "0 100 1ff 1fe fffc fffd eaea eaeb eaeb eaec eaec ";
@@ -208,7 +46,7 @@ TEST(MOS6502Test, ResetSequenceThenNopsFromAHeldBus)
                                        "10010:u 10200:L 11010:u 11200:H ");
     // The reset sequence reads where the stack cycles of an interrupt write.
     EXPECT_EQ(wave(*b.rw, 0, 3000), "0:u 1200:H 2010:u 2200:H ");
-    EXPECT_FALSE(b.cpu->sr() & m6502_vf);
+    EXPECT_FALSE(b.cpu->sr() & cpu65_vf);
 }
 
 TEST(MOS6502Test, ReadCycleTimingAndTheByteTakenAtTheFall)
@@ -272,7 +110,7 @@ TEST(MOS6502Test, ProgramRunsAgainstMemory)
     // JSR pushed the address of its last byte, 0211.
     EXPECT_EQ(b.mem.bytes[0x01FD], 0x02);
     EXPECT_EQ(b.mem.bytes[0x01FC], 0x11);
-    EXPECT_EQ(b.cpu->sr() & (m6502_df | m6502_cf), 0);
+    EXPECT_EQ(b.cpu->sr() & (cpu65_df | cpu65_cf), 0);
 }
 
 TEST(MOS6502Test, InterruptPins)
@@ -346,7 +184,7 @@ TEST(MOS6502Test, ResetRdySetOverflowAndDataPins)
             pin->set(Value("H"), r.to);
         b.run(12);
         EXPECT_EQ(addresses(*b.a, 12000), r.addresses) << r.name;
-        EXPECT_EQ((b.cpu->sr() & m6502_vf) != 0, r.overflow) << r.name;
+        EXPECT_EQ((b.cpu->sr() & cpu65_vf) != 0, r.overflow) << r.name;
     }
 }
 

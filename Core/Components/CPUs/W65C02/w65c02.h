@@ -8,54 +8,12 @@
 #ifndef MORVANE_CORE_COMPONENTS_CPUS_W65C02_W65C02_H
 #define MORVANE_CORE_COMPONENTS_CPUS_W65C02_W65C02_H
 
+#include "Core/Components/CPUs/cpu65.h"
+
 #include <cstdint>
 
-// Pin word layout.
-constexpr uint64_t w65c02_pin_addr = 0xFFFFULL;      // A0-A15, out
-constexpr uint64_t w65c02_pin_data = 0xFFULL << 16;  // D0-D7, both ways
-constexpr uint64_t w65c02_pin_rw = 1ULL << 24;       // out: 1 read, 0 write
-constexpr uint64_t w65c02_pin_sync = 1ULL << 25;     // out: this cycle fetches an opcode
-constexpr uint64_t w65c02_pin_irq = 1ULL << 26;      // in: interrupt request, level
-constexpr uint64_t w65c02_pin_nmi = 1ULL << 27;      // in: non-maskable interrupt, rising edge
-constexpr uint64_t w65c02_pin_rdy = 1ULL << 28;      // in: halt; out: set by WAI
-constexpr uint64_t w65c02_pin_res = 1ULL << 30;      // both: reset pending
-constexpr uint64_t w65c02_pin_vp = 1ULL << 31;       // out: this cycle reads an interrupt vector
-constexpr int w65c02_pin_data_shift = 16;            // bit of D0
-
-// Status register bits.
-constexpr uint8_t w65c02_cf = 0x01;  // carry
-constexpr uint8_t w65c02_zf = 0x02;  // zero
-constexpr uint8_t w65c02_if = 0x04;  // interrupts disabled
-constexpr uint8_t w65c02_df = 0x08;  // decimal mode
-constexpr uint8_t w65c02_bf = 0x10;  // break: 1 except while a hardware interrupt enters
-constexpr uint8_t w65c02_xf = 0x20;  // unused, always pushed as 1
-constexpr uint8_t w65c02_vf = 0x40;  // overflow
-constexpr uint8_t w65c02_nf = 0x80;  // negative
-
-// Bits of brk_flags: what the BRK sequence is serving.
-constexpr uint8_t w65c02_brk_irq = 0x01;    // an IRQ was accepted
-constexpr uint8_t w65c02_brk_nmi = 0x02;    // an NMI was accepted
-constexpr uint8_t w65c02_brk_reset = 0x04;  // a reset was accepted; wins over both
-
-inline uint16_t w65c02_get_addr(uint64_t pins)
-{
-    return static_cast<uint16_t>(pins & w65c02_pin_addr);
-}
-
-inline uint64_t w65c02_set_addr(uint64_t pins, uint16_t addr)
-{
-    return (pins & ~w65c02_pin_addr) | addr;
-}
-
-inline uint8_t w65c02_get_data(uint64_t pins)
-{
-    return static_cast<uint8_t>(pins >> w65c02_pin_data_shift);
-}
-
-inline uint64_t w65c02_set_data(uint64_t pins, uint8_t data)
-{
-    return (pins & ~w65c02_pin_data) | (static_cast<uint64_t>(data) << w65c02_pin_data_shift);
-}
+// Beyond the layout both cores share. RDY halts reads and writes, and WAI sets it in the result.
+constexpr uint64_t w65c02_pin_vp = 1ULL << 31;  // out: this cycle reads an interrupt vector
 
 /// What w65c02_init is given.
 struct w65c02_desc_t
@@ -73,11 +31,11 @@ struct w65c02_t
     uint8_t x;            // index register X
     uint8_t y;            // index register Y
     uint8_t s;            // stack pointer into page 1
-    uint8_t p;            // status, w65c02_cf ... w65c02_nf
+    uint8_t p;            // status, cpu65_cf ... cpu65_nf
     uint64_t pins;        // the pin word as last returned (and as last given, for the NMI edge)
     uint16_t irq_pip;     // IRQ pipeline, one bit per tick; bit 2 at a fetch takes it
     uint16_t nmi_pip;     // NMI pipeline, one bit per tick; any bit from 2 up at a fetch takes it
-    uint8_t brk_flags;    // pending: w65c02_brk_irq, w65c02_brk_nmi, w65c02_brk_reset
+    uint8_t brk_flags;    // pending: cpu65_brk_irq, cpu65_brk_nmi, cpu65_brk_reset
     uint8_t bcd_enabled;  // non-zero: the D flag works
     uint8_t waiting;      // non-zero after WAI, until IRQ, NMI or RES shows on the pins
     uint8_t stopped;      // non-zero after STP, until RES shows on the pins
