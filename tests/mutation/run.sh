@@ -120,5 +120,5 @@ fi
 rm -f "$out"
 }
 
-main "$@"
-exit
+# On one line, so that bash has read the exit before main runs.
+main "$@"; exit $?
