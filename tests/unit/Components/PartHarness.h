@@ -3,12 +3,15 @@
 #ifndef MORVANE_TESTS_UNIT_COMPONENTS_PARTHARNESS_H
 #define MORVANE_TESTS_UNIT_COMPONENTS_PARTHARNESS_H
 
+#include "tests/unit/LineLog.h"
+
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/Component.h"
 #include "Core/Components/ComponentFactory.h"
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Simulation/Net.h"
 
+#include <cctype>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -85,6 +88,28 @@ inline std::string port_list(Component* c)
         text += " ";
     }
     return text;
+}
+
+inline std::string lower(std::string text)
+{
+    for (char& ch : text)
+        ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+    return text;
+}
+
+/// The letters of the last value written to a port, in lower case; "-" if nothing was written.
+inline std::string written(Component* c, const char* port)
+{
+    const Port* p = c->port(port);
+    return p->nof_values() == 0 ? "-" : lower(p->entries().back().value.c_str());
+}
+
+/// A value of `width` bits holding `n`.
+inline Value number(int n, int width)
+{
+    Value v(width);
+    v.set_to(n);
+    return v;
 }
 
 #endif  // MORVANE_TESTS_UNIT_COMPONENTS_PARTHARNESS_H

@@ -20,16 +20,6 @@ TEST(TLogTest, NestedLevelsIndentOnceMoreAndReturn)
     EXPECT_EQ(TLog::instance_counter, -1);
 }
 
-TEST(TLogTest, NullFormatOpensLevelSilently)
-{
-    CaptureStdout();
-    {
-        TLog quiet;
-        TLog nested("x");
-    }
-    EXPECT_EQ(GetCapturedStdout(), "   x\n");
-}
-
 TEST(TLogTest, DisabledLoggingStillCountsDepth)
 {
     CaptureStdout();
@@ -43,7 +33,7 @@ TEST(TLogTest, DisabledLoggingStillCountsDepth)
     EXPECT_EQ(GetCapturedStdout(), "shown\n");
 }
 
-TEST(TLogTest, IndentStringIsConfigurable)
+TEST(TLogTest, NullFormatOpensALevelSilentlyWithTheIndentString)
 {
     CaptureStdout();
     TLog::set_indent_string("..");
