@@ -2,7 +2,7 @@
 // The last two cases run whole gate networks built by calls, to see how the pieces add up.
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/ComponentFactory.h"
-#include "Core/Components/Gates.h"
+#include "Core/Components/Basic/Gates.h"
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Simulation/HistoryRecords.h"
 #include "Core/Simulation/Net.h"

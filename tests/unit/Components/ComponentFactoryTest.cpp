@@ -3,7 +3,7 @@
 #include "tests/unit/ErrorText.h"
 
 #include "Core/Circuit/Circuit.h"
-#include "Core/Components/Gates.h"
+#include "Core/Components/Basic/Gates.h"
 #include "Core/Support/Error.h"
 
 #include <gtest/gtest.h>

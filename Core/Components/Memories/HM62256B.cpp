@@ -1,0 +1,128 @@
+#include "Core/Components/Memories/HM62256B.h"
+
+#include "Core/Support/TLog.h"
+
+#include <map>
+
+using Morvane::Input;
+using Morvane::Output;
+
+ParaMap HM62256B::default_parameters()
+{
+    static const std::map<std::string, std::string> HM62256B_default_params = {{"delay", "70"}};
+    return ParaMap(HM62256B_default_params);
+}
+
+std::string HM62256B::parameter_description()
+{
+    return "<b>delay</b> The access time in ns; the time from address, _OE and _CS stabilization to data "
+           "stabilization.<p>" +
+           GenericMemory::loader_parameter_description(false);
+}
+
+HM62256B::HM62256B(const std::string& instance_name, int delay)
+    : SingleDelayComponent(class_name, instance_name, delay),
+      GenericMemory(this)
+{
+    _init();
+}
+
+HM62256B::HM62256B(const std::string& instance_name, const ParaMap& params)
+    : SingleDelayComponent(class_name, instance_name, params),
+      GenericMemory(this)
+{
+    _init();
+    _parse_params(parent());
+}
+
+void HM62256B::_init()
+{
+    _cells = std::make_unique<ByteCells>(nof_words);
+    _a = make_port(15, Input, "A");
+    _din = make_port(8, Input, "Din");
+    _dout = make_port(8, Output, "Dout");
+    _we = make_pin(Input, "_WE");
+    _oe = make_pin(Input, "_OE");
+    _cs = make_pin(Input, "_CS");
+}
+
+void HM62256B::_parse_params(Circuit* circuit)
+{
+    SingleDelayComponent::update_after_param_change();
+    if (circuit != nullptr)
+        init_cells_from_params(circuit, parameters());
+}
+
+void HM62256B::circuit_connect_callback(Circuit* circuit)
+{
+    _parse_params(circuit);
+}
+
+void HM62256B::reset()
+{
+    // Emptying each history forgets as much as a new row would, without making 32768 objects again.
+    for (ByteCell& cell : *_cells)
+        cell.clear();
+    Component::reset();
+}
+
+void HM62256B::init(int /*end_time*/)
+{
+    _parse_params(parent());
+}
+
+void HM62256B::update_after_param_change()
+{
+    _parse_params(parent());
+}
+
+std::vector<std::string> HM62256B::get_valid_param_keys()
+{
+    std::vector<std::string> keys = SingleDelayComponent::get_valid_param_keys();
+    keys.insert(keys.end(), {"cells", "cbmfile", "rawfile", "rawaddress"});
+    return keys;
+}
+
+void HM62256B::evaluate(int time)
+{
+    // Every decision uses the inputs of the change that caused this evaluation, one delay back.
+    int ti = time - delay();
+    Value cs = _cs->value(ti);
+    if (cs == 'H') {
+        _dout->set(released_byte(), time);
+        return;
+    }
+    if (cs != 'L') {
+        _dout->set(undefined_byte(), time);
+        return;
+    }
+    Value we = _we->value(ti);
+    Value oe = _oe->value(ti);
+    bool oe_known = oe == 'H' || oe == 'L';
+    if (we == 'H') {
+        if (oe == 'H') {
+            _dout->set(released_byte(), time);
+        } else if (oe == 'L') {
+            Value a = _a->value(ti);
+            _dout->set(a.is_integer() ? _cells->at(a.integer()).value(ti) : undefined_byte(), time);
+        } else {
+            _dout->set(undefined_byte(), time);
+        }
+    } else if (we == 'L') {
+        _dout->set(oe_known ? released_byte() : undefined_byte(), time);
+        _write(ti, time);
+    } else {
+        _dout->set(undefined_byte(), time);
+    }
+}
+
+void HM62256B::_write(int input_time, int time)
+{
+    Value a = _a->value(input_time);
+    if (!a.is_integer()) {
+        TLog("*** WARNING: writing to memory '%s' ('%s') with unstable address at time=%d!!",
+             instance_name().c_str(), type_name().c_str(), time);
+        return;
+    }
+    _cells->at(a.integer()).set(_din->value(input_time), time);
+}
