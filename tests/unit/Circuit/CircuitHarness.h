@@ -1,15 +1,15 @@
-// Shared by the circuit tests: a circuit with its protected steps open, a sink that keeps its lines,
+// Shared by the circuit tests: a circuit with its protected steps open, the sink that keeps its lines,
 // and the text of a value history.
 #ifndef MORVANE_TESTS_UNIT_CIRCUIT_CIRCUITHARNESS_H
 #define MORVANE_TESTS_UNIT_CIRCUIT_CIRCUITHARNESS_H
+
+#include "tests/unit/LineLog.h"
 
 #include "Core/Circuit/Circuit.h"
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Simulation/ValueHistory.h"
 #include "Core/Support/SimLog.h"
 
-#include <cstdarg>
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -25,21 +25,6 @@ public:
     using Circuit::_split_port_path;
     using Circuit::_update_instances_of;
     using Circuit::Circuit;
-};
-
-/// Keeps every line with its level in front: "1 text".
-class LineLog : public SimLog
-{
-public:
-    void log(LogLevel level, const char* format, va_list args) override
-    {
-        char text[2048];
-        vsnprintf(text, sizeof text, format, args);
-        lines.push_back(std::to_string(level) + " " + text);
-    }
-    void clear() override { lines.clear(); }
-
-    std::vector<std::string> lines;  // in the order logged
 };
 
 /// The simulator is global: one per test, gone at the end.
