@@ -303,7 +303,7 @@ TEST(ValueTest, SmallValuesStayInTheObjectAndHeapStoresSurviveTruncation)
     copy = Value("HL");
     EXPECT_TRUE(stored_in_object(copy));
 
-    Value wide("HHHHLLLLHzHL");
+    Value wide("HHHHLLLLHHHHLLLLHHHHHzHL");
     EXPECT_FALSE(stored_in_object(wide));
     wide.truncate_down_to(4);
     EXPECT_FALSE(stored_in_object(wide));
