@@ -93,7 +93,6 @@ TEST_F(Tree, ObjectsGiveTheirPaths)
     Port foreign_port(1, Input, "x", nullptr);
     EXPECT_EQ(top.find_port_path(i->port("in")), "s.t.i.in");
     EXPECT_EQ(s->find_port_path(i->port("in")), "t.i.in");
-    EXPECT_EQ(top.find_port_path(t->port("p")), "s.t.p");
     EXPECT_EQ(top.find_port_path(top.port("a")), "a");
     EXPECT_EQ(top.find_port_path(&foreign_port), "");
     EXPECT_EQ(top.find_net_path(tn), "s.t.tn");

@@ -109,13 +109,6 @@ TEST(PortTest, DrivesByDirectionAndSides)
         EXPECT_EQ(got, want);
     pad.ValueHistory::set(Value("H"), 0);
     EXPECT_TRUE(pad.drives(&a));
-
-    Pin clock(Input, "clk");
-    clock.set_clock_pattern(10, 2, 100);  // low in the first half
-    std::string record;
-    for (const auto& entry : clock.entries())
-        record += std::to_string(entry.time) + entry.value.c_str() + " ";
-    EXPECT_EQ(record, "100L 105H 110L 115H ");
 }
 
 TEST(PortTest, SetAsksTheNetItDrives)

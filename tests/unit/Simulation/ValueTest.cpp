@@ -4,9 +4,6 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
-
-using Morvane::BitState;
 
 namespace {
 
@@ -92,8 +89,6 @@ TEST(ValueTest, FailuresThrowStandardExceptionsWithExactTexts)
         "set_to too big", [] { Value(4).set_to(16); }, "Number cannot be represented in value");
     expect_throw_text<std::domain_error>(
         "U keeps case", [] { (void)Value("HU").integer(); }, "Cannot interpret 'U' as a binary digit.");
-    EXPECT_THROW((void)static_cast<BitState>(Value("HL")), std::bad_cast);
-    EXPECT_EQ(static_cast<BitState>(Value("p")), BitState::PullUp);
 }
 
 TEST(ValueTest, IndexOrdersComparisonAndMatching)

@@ -135,40 +135,6 @@ TEST(TestSequenceFileReaderTest, ShiftsOutputReversalBehindADeltaField)
     EXPECT_EQ(texts(row->outputs()), (Strings{"LLLH", "LLHH", "LLHH"}));
 }
 
-TEST(TestSequenceFileReaderTest, GathersCommentsForTheFileAndForLines)
-{
-    struct Case
-    {
-        const char* what;
-        const char* text;
-        const char* file_comment;
-        const char* header_comment;
-        const char* row_comment;
-    };
-    const Case cases[] = {
-        {"a block then an empty line", "# f1\n#f2\n\n# h\ntime a\n0 H\n", "f1\nf2", "h", ""},
-        {"content with a comment ends the file comment", "# f\ntime a # h\n# r\n0 H\n", "f", "h", "r"},
-        // Content without a comment leaves the file comment open until the next empty line.
-        {"content without a comment", "# h\ntime a\n# r\n0 H\n\n", "", "h", "r"},
-        {"gathered text at the empty line", "# h\ntime a\n# lost\n\n0 H\n", "lost", "h", ""},
-        {"a blank line of blanks", "# f\n   \ntime a\n0 H\n", "f", "", ""},
-        {"empty comment lines", "time a #\n#\n0 H\n", "", "", ""},
-    };
-    for (const Case& c : cases) {
-        TempDir dir;
-        try {
-            auto sequence = read(dir, c.text);
-            EXPECT_EQ(sequence->get_file_comment(), c.file_comment) << c.what;
-            EXPECT_EQ(sequence->header()->comment_text(), c.header_comment) << c.what;
-            if (sequence->nof_vectors() > 0) {
-                EXPECT_EQ(sequence->get_vector(0)->comment_text(), c.row_comment) << c.what;
-            }
-        } catch (const Error& e) {
-            ADD_FAILURE() << c.what << ": " << e.message();
-        }
-    }
-}
-
 TEST(TestSequenceFileReaderTest, KeepsSettingsAnywhereWithTheirComments)
 {
     TempDir dir;

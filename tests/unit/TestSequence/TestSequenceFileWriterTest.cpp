@@ -76,7 +76,6 @@ const ExactCase exact_cases[] = {
      "time    d =>    q \n0000    A       5 \n"},
     {"reversed columns; a reversed net comes out as ~%", "time ~a => %~q %n b\n0 3 C 1 H\n",
      "time   ~a =>  ~%q   %n b \n0000    3       C    1 H \n"},
-    {"reversed values", "time a => b\n0 ~1 ~3\n", "time     a =>     b \n0000    ~1       ~3 \n"},
     {"comments before and behind objects, options and assignments",
      "# file\n# comment\n\nu1(delay=20,x=1) # opt\nen = H\n# two\n# lines\ntime a => b # head\n0 H L # row\n",
      "# file\n# comment\n\nu1(delay=20, x=1) # opt\n\nen=H\n\n# two\n# lines\ntime a => b  # head\n"
