@@ -4,7 +4,6 @@
 
 #include "Core/Circuit/Circuit.h"
 #include "Core/Circuit/CircuitFileReader.h"
-#include "Core/Circuit/CircuitSpec.h"
 #include "Core/Simulation/EventSimulator.h"
 #include "Core/Support/Error.h"
 
@@ -13,9 +12,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-using Morvane::Input;
-using Morvane::Outside;
 
 namespace {
 

@@ -1,17 +1,13 @@
 #include "CircuitHarness.h"
-#include "tests/unit/ErrorText.h"
 
 #include "Core/Circuit/Circuit.h"
 #include "Core/Components/ComponentOptions.h"
-#include "Core/Support/Error.h"
 
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
 
 using Morvane::Input;
-using Morvane::Output;
-using Morvane::Outside;
 
 namespace {
 

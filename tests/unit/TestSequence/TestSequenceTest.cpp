@@ -11,8 +11,6 @@
 #include <string>
 #include <vector>
 
-using Strings = std::vector<std::string>;
-
 namespace {
 
 std::unique_ptr<TestSequence> read(const TempDir& dir, const std::string& text)
