@@ -22,17 +22,8 @@ ActionStore::~ActionStore()
 
 std::uint32_t ActionStore::_new_record()
 {
-    if (_free_records != ActionRecord::none) {
-        std::uint32_t id = _free_records;
-        _free_records = (*this)[id].next;
-        --_nof_free;
-        return id;
-    }
-    if ((_count & chunk_mask) == 0) {
-        if ((_count >> chunk_shift) == _chunks.size())
-            _chunks.push_back(static_cast<ActionRecord*>(allocate_huge(chunk_bytes)));
-        _chunk = _chunks[_count >> chunk_shift];
-    }
+    if ((_count >> chunk_shift) == _chunks.size())
+        _chunks.push_back(static_cast<ActionRecord*>(allocate_huge(chunk_bytes)));
     return _count++;
 }
 
@@ -62,33 +53,16 @@ std::uint32_t ActionStore::_place_letters(std::size_t bytes)
     return _reuse ? where | in_block : where;
 }
 
-std::uint32_t ActionStore::_add_with_letters_or_chunk(void* target, Port* port, const Value* value)
+std::uint32_t ActionStore::_place_value(const Value& value)
 {
-    std::uint32_t id = _new_record();
-    ActionRecord& record = (*this)[id];
-    record.target = target;
-    record.port = port;
-    record.next = ActionRecord::none;
-    record.value = 0;
-    if (value == nullptr)
-        return id;
-    unsigned width = value->size();
-    const char* letters = value->c_str();
-    if (width <= ActionRecord::record_letters) {
-        // Most nets are narrow: their letters travel in the record.
-        record.value = ActionRecord::in_record + width;
-        for (unsigned i = 0; i < width; ++i)
-            record.letters[i] = letters[i];
-        return id;
-    }
+    unsigned width = value.size();
     std::uint32_t where = _place_letters(1 + std::size_t{width});
     unsigned char* place = _letters_at(where);
     place[0] = static_cast<unsigned char>(width);
+    const char* letters = value.c_str();
     for (unsigned i = 0; i < width; ++i)
         place[1 + i] = static_cast<unsigned char>(letters[i]);
-    // Placing letters may have added a chunk of letters, never of records: the record stays put.
-    record.value = where;
-    return id;
+    return where;
 }
 
 void ActionStore::release(std::uint32_t first)
@@ -156,7 +130,6 @@ void ActionStore::clear()
     _nof_free = 0;
     for (std::uint32_t& block : _free_letters)
         block = 0;
-    _chunk = nullptr;
     _letter_chunk = 0;
     _letters_used = 0;
     _letters = nullptr;

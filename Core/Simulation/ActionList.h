@@ -2,13 +2,14 @@
 #ifndef MORVANE_CORE_SIMULATION_ACTIONLIST_H
 #define MORVANE_CORE_SIMULATION_ACTIONLIST_H
 
+#include "Core/Simulation/Value.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
 class Port;
-class Value;
 
 /// One action as the engine keeps it: 32 bytes, where an action with its own `Value` took 64 and
 /// more. A component action needs no value (its value is always the marker Q); a net action's value
@@ -43,14 +44,34 @@ public:
     /// A component action (value null) or a net action, linked to nothing yet.
     std::uint32_t add(void* target, Port* port, const Value* value)
     {
-        if (value != nullptr || _free_records != ActionRecord::none || (_count & chunk_mask) == 0)
-            return _add_with_letters_or_chunk(target, port, value);
-        std::uint32_t id = _count++;
-        ActionRecord& record = _chunk[id & chunk_mask];
+        std::uint32_t id;
+        if (_free_records != ActionRecord::none) {
+            id = _free_records;
+            _free_records = (*this)[id].next;
+            --_nof_free;
+        } else if ((_count & chunk_mask) != 0) {
+            id = _count++;
+        } else {
+            id = _new_record();
+        }
+        ActionRecord& record = (*this)[id];
         record.target = target;
         record.port = port;
         record.next = ActionRecord::none;
         record.value = 0;
+        if (value == nullptr)
+            return id;
+        unsigned width = value->size();
+        if (width > ActionRecord::record_letters) {
+            // Placing letters adds chunks of letters, never of records: the record stays put.
+            record.value = _place_value(*value);
+            return id;
+        }
+        // Most nets are narrow: their letters travel in the record.
+        record.value = ActionRecord::in_record + width;
+        const char* letters = value->c_str();
+        for (unsigned i = 0; i < width; ++i)
+            record.letters[i] = letters[i];
         return id;
     }
     ActionRecord& operator[](std::uint32_t id) { return _chunks[id >> chunk_shift][id & chunk_mask]; }
@@ -89,7 +110,9 @@ private:
     {
         return const_cast<unsigned char*>(static_cast<const ActionStore*>(this)->_letters_at(value));
     }
-    std::uint32_t _add_with_letters_or_chunk(void* target, Port* port, const Value* value);
+    /// Where a wide value's letters went, as a record keeps it.
+    std::uint32_t _place_value(const Value& value);
+    /// A record of a new chunk.
     std::uint32_t _new_record();
     /// Where `bytes` of letters go: 1 + their offset, as a record keeps it.
     std::uint32_t _place_letters(std::size_t bytes);
@@ -97,7 +120,6 @@ private:
     std::vector<ActionRecord*> _chunks;                // records, chunk_mask + 1 per chunk, in huge pages
     std::vector<unsigned char*> _letter_chunks;        // width byte then letters, per net action value
     std::uint32_t _count = 0;                          // records in use
-    ActionRecord* _chunk = nullptr;                    // the chunk being filled
     std::size_t _letter_chunk = 0;                     // the letter chunk being filled
     unsigned char* _letters = nullptr;                 // that chunk, or null before the first net action
     std::size_t _letters_used = 0;                     // bytes of that chunk in use
@@ -121,8 +143,8 @@ public:
     bool push(ActionStore& store, void* target, Port* port, const Value* value)
     {
         std::size_t hash = hash_of(target, port);
-        std::uint64_t& filter_word = _filter[(hash >> 62) & 3];
-        std::uint64_t filter_bit = std::uint64_t{1} << ((hash >> 56) & 63);
+        std::uint64_t& filter_word = _filter[(hash >> 60) & (filter_words - 1)];
+        std::uint64_t filter_bit = std::uint64_t{1} << ((hash >> 54) & 63);
         // Most requests are new: a clear filter bit proves it without looking at the list.
         if ((filter_word & filter_bit) != 0 && _contains(store, target, port, value, hash))
             return false;
@@ -152,6 +174,8 @@ public:
 
 private:
     static constexpr std::uint32_t scan_limit = 8;  // actions looked through before indexing
+    // Words of the filter: every slot of the map has one, so it stays small.
+    static constexpr std::size_t filter_words = 4;
 
     /// Equal requests share target and port; the value stays out, since its equality is one-sided.
     /// The filter takes the top bits, the table the low ones: both are mixed.
@@ -169,7 +193,7 @@ private:
     std::uint32_t _first = ActionRecord::none;           // first record in the store
     std::uint32_t _last = ActionRecord::none;            // last record, where the next one is linked
     std::uint32_t _count = 0;                            // records in the list
-    std::uint64_t _filter[4] = {};                       // a bit per hash of each target and port in it
+    std::uint64_t _filter[filter_words] = {};            // a bit per hash of each target and port in it
     bool _indexed = false;                               // _index holds every record of the list
     std::unique_ptr<std::vector<std::uint32_t>> _index;  // id + 1 per bucket, 0 when free; null while short
 };

@@ -112,6 +112,13 @@ void EventSimulator::destroy()
 
 void EventSimulator::reset(int end_time)
 {
+    _wheel_running = false;
+    if (_wheel) {
+        for (unsigned b = 0; b < wheel_size; ++b)
+            _wheel[b].clear();
+    }
+    for (std::uint64_t& word : _wheel_bits)
+        word = 0;
     _actions.clear();
     _current = _actions.end();
     _kept.clear();
@@ -131,6 +138,10 @@ void EventSimulator::simulate(int end_time)
     _max_time = end_time;
     if (_stop_variable != nullptr)
         *_stop_variable = false;
+    if (!_keep_finished_slots) {
+        _simulate_once(end_time);
+        return;
+    }
 
     // Slots stay in the map once run, so a second call starts from the first again; unless the
     // caller gave up replay, when each goes as soon as it has run. The map may grow behind the
@@ -148,6 +159,102 @@ void EventSimulator::simulate(int end_time)
             ++_current;
         else
             _drop_current_slot();
+    }
+}
+
+void EventSimulator::_simulate_once(int end_time)
+{
+    // The wheel starts again at the earliest slot: requests between two calls may lie before it.
+    _empty_wheel();
+    _current = _actions.end();
+    if (_actions.empty())
+        return;
+    _wheel_base = _actions.begin()->first;
+    _wheel_running = true;
+    _fill_wheel();
+    int time = 0;
+    for (;;) {
+        if (!_next_wheel_time(time)) {
+            // Nothing within reach of the wheel: it moves on to the next slot of the map, once
+            // the slots asked for a past time are gone.
+            _fill_wheel();
+            if (_wheel_bits_empty()) {
+                if (_actions.empty())
+                    return;
+                _wheel_base = _actions.begin()->first;
+                _fill_wheel();
+            }
+            continue;
+        }
+        _time = time;
+        if (_time > end_time)
+            return;
+        if (_stop_variable != nullptr && *_stop_variable)
+            return;
+        _wheel_base = time;
+        _fill_wheel();
+        unsigned bucket = static_cast<unsigned>(time) & (wheel_size - 1);
+        ActionList& slot = _wheel[bucket];
+        _run_actions(slot);
+        _run_same_time_actions();
+        _kept.release(slot.first());
+        slot.clear();
+        _wheel_bits[bucket / 64] &= ~(std::uint64_t{1} << (bucket % 64));
+    }
+}
+
+void EventSimulator::_fill_wheel()
+{
+    while (!_actions.empty() && _actions.begin()->first < _wheel_base + wheel_size) {
+        auto first = _actions.begin();
+        CachedSlot& cached = _slot_cache[static_cast<unsigned>(first->first) & (slot_cache_size - 1)];
+        if (cached.time == first->first)
+            cached = CachedSlot{};
+        if (first->first < _wheel_base) {
+            _kept.release(first->second.first());
+        } else {
+            unsigned bucket = static_cast<unsigned>(first->first) & (wheel_size - 1);
+            _wheel[bucket] = std::move(first->second);
+            _wheel_bits[bucket / 64] |= std::uint64_t{1} << (bucket % 64);
+        }
+        _actions.erase(first);
+    }
+}
+
+bool EventSimulator::_next_wheel_time(int& time) const
+{
+    // Scan the words from the base's slot round to it again: the first set bit is the earliest.
+    unsigned start = static_cast<unsigned>(_wheel_base) & (wheel_size - 1);
+    for (unsigned step = 0; step <= wheel_size / 64; ++step) {
+        unsigned word = (start / 64 + step) % (wheel_size / 64);
+        std::uint64_t bits = _wheel_bits[word];
+        if (step == 0)
+            bits &= ~std::uint64_t{0} << (start % 64);
+        else if (step == wheel_size / 64)
+            bits &= (std::uint64_t{1} << (start % 64)) - 1;
+        if (bits == 0)
+            continue;
+        unsigned bucket = word * 64 + static_cast<unsigned>(__builtin_ctzll(bits));
+        unsigned ahead = (bucket - start) & (wheel_size - 1);
+        time = static_cast<int>(_wheel_base + ahead);
+        return true;
+    }
+    return false;
+}
+
+void EventSimulator::_empty_wheel()
+{
+    _wheel_running = false;
+    if (!_wheel) {
+        _wheel = std::make_unique<ActionList[]>(wheel_size);
+        return;
+    }
+    int time = 0;
+    while (_next_wheel_time(time)) {
+        unsigned bucket = static_cast<unsigned>(time) & (wheel_size - 1);
+        _actions.emplace(time, std::move(_wheel[bucket]));
+        _wheel[bucket].clear();
+        _wheel_bits[bucket / 64] &= ~(std::uint64_t{1} << (bucket % 64));
     }
 }
 
@@ -263,11 +370,23 @@ void EventSimulator::_print_components_to_evaluate() const
          id = _same_time_store[id].next)
         print_action(log, "  ", _same_time_store, id);
     log("- Future actions:");
-    for (const auto& [time, slot] : _actions) {
+    auto print_slot = [&](int time, const ActionList& slot) {
         log("  t=%d:", time);
         for (std::uint32_t id = slot.first(); id != ActionRecord::none; id = _kept[id].next)
             print_action(log, "    ", _kept, id);
+    };
+    // In time order: the map's slots before the wheel, the wheel's, the map's after it.
+    auto far = _actions.begin();
+    for (; far != _actions.end() && _wheel_running && far->first < _wheel_base; ++far)
+        print_slot(far->first, far->second);
+    for (unsigned ahead = 0; _wheel_running && ahead < wheel_size; ++ahead) {
+        auto time = static_cast<int>(_wheel_base + ahead);
+        unsigned bucket = static_cast<unsigned>(time) & (wheel_size - 1);
+        if ((_wheel_bits[bucket / 64] >> (bucket % 64)) & 1)
+            print_slot(time, _wheel[bucket]);
     }
+    for (; far != _actions.end(); ++far)
+        print_slot(far->first, far->second);
 }
 
 EventSimulator* simulator(Circuit& circuit)

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 
 class Circuit;
 class Component;
@@ -84,16 +85,28 @@ private:
         ActionList* slot;  // in _actions, or null
     };
     static constexpr std::size_t slot_cache_size = 64;  // a power of 2
+    // A run that keeps no finished slot holds the next ns in a ring of slots by time, which costs no
+    // search and no allocation; later ones wait in the map. A power of 2.
+    static constexpr unsigned wheel_size = 1024;
 
     void _register();
     /// A net action (value given) or a component action (value null), as the engine keeps them.
     void _request(int time, void* target, Port* port, const Value* value)
     {
         // Equal requests are dropped; the same-time list remembers what already ran at this time.
-        if (time == _time)
+        if (time == _time) {
             _same_time_actions.push(_same_time_store, target, port, value);
-        else
+        } else if (_wheel_running && _in_wheel(time)) {
+            unsigned bucket = static_cast<unsigned>(time) & (wheel_size - 1);
+            _wheel[bucket].push(_kept, target, port, value);
+            _wheel_bits[bucket / 64] |= std::uint64_t{1} << (bucket % 64);
+        } else {
             _slot(time).push(_kept, target, port, value);
+        }
+    }
+    bool _in_wheel(int time) const
+    {
+        return static_cast<std::uint64_t>(static_cast<std::int64_t>(time) - _wheel_base) < wheel_size;
     }
     ActionList& _slot(int time)
     {
@@ -103,6 +116,23 @@ private:
         return *cached.slot;
     }
     ActionList& _find_slot(int time);
+    /// simulate for a caller that keeps no finished slot: the near future in the wheel.
+    void _simulate_once(int end_time);
+    /// Moves the slots of the map that the wheel now covers into it; drops those before it, which
+    /// were asked for a time already past and would never run.
+    void _fill_wheel();
+    /// The earliest time in the wheel, or false when it is empty.
+    bool _next_wheel_time(int& time) const;
+    bool _wheel_bits_empty() const
+    {
+        for (std::uint64_t word : _wheel_bits) {
+            if (word != 0)
+                return false;
+        }
+        return true;
+    }
+    /// Puts the wheel's slots back into the map, as they were before the run took them.
+    void _empty_wheel();
     void _run(const ActionStore& store, std::uint32_t id);
     void _run_actions(ActionList& slot);
     void _run_same_time_actions();
@@ -111,19 +141,23 @@ private:
 
     static EventSimulator* instance;  // the global instance, or null
 
-    Circuit* _circuit;                             // the root circuit
-    std::map<int, ActionList> _actions;            // future queue by time; run slots stay unless dropped
-    std::map<int, ActionList>::iterator _current;  // the slot being run
-    ActionStore _kept;                             // the actions of all slots of _actions
-    ActionStore _same_time_store;                  // the actions of the same-time list
-    ActionList _same_time_actions;                 // actions requested for the running time
-    CachedSlot _slot_cache[slot_cache_size] = {};  // by time modulo the size
-    int _max_time = 0;                             // ns, last end time of simulate
-    bool _keep_finished_slots = true;              // a run slot stays for a second simulate
-    volatile bool* _stop_variable = nullptr;       // external stop request, polled per slot
-    int _time = no_time;                           // ns, the time now running
-    std::uint64_t _nof_actions_run = 0;            // since the simulator was made
-    std::uint64_t _nof_evaluations_run = 0;        // component actions among them
+    Circuit* _circuit;                                // the root circuit
+    std::map<int, ActionList> _actions;               // future queue by time; run slots stay unless dropped
+    std::map<int, ActionList>::iterator _current;     // the slot being run
+    ActionStore _kept;                                // the actions of all slots of _actions
+    ActionStore _same_time_store;                     // the actions of the same-time list
+    ActionList _same_time_actions;                    // actions requested for the running time
+    CachedSlot _slot_cache[slot_cache_size] = {};     // by time modulo the size
+    std::unique_ptr<ActionList[]> _wheel;             // wheel_size slots by time modulo the size
+    std::uint64_t _wheel_bits[wheel_size / 64] = {};  // the slots of the wheel that hold actions
+    std::int64_t _wheel_base = 0;                     // ns, the wheel holds the times from here on
+    bool _wheel_running = false;                      // requests in reach of the wheel go there
+    int _max_time = 0;                                // ns, last end time of simulate
+    bool _keep_finished_slots = true;                 // a run slot stays for a second simulate
+    volatile bool* _stop_variable = nullptr;          // external stop request, polled per slot
+    int _time = no_time;                              // ns, the time now running
+    std::uint64_t _nof_actions_run = 0;               // since the simulator was made
+    std::uint64_t _nof_evaluations_run = 0;           // component actions among them
 };
 
 inline EventSimulator* simulator()

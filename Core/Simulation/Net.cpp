@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 
 using Morvane::BitState;
@@ -404,12 +405,17 @@ bool Net::_compute_value_tied(int time, Value& out, bool* drivers_own)
     return true;
 }
 
-void Net::update(int time, Visited visited)
+void Net::_update(int time, Visited* given)
 {
     Value resolved(static_cast<int>(size()));
-    // The fast path gives up on any inout port, so when it succeeds no net is tied to this one.
+    // The fast path gives up on any inout port, so when it succeeds no net is tied to this one, and
+    // the walk over tied nets needs no set of visited ones.
     bool tied = false;
+    std::optional<Visited> fresh;
     if (!_compute_value_fast(time, resolved)) {
+        if (given == nullptr)
+            given = &fresh.emplace();
+        Visited& visited = *given;
         bool own = false;
         if (visited.group_value != nullptr && visited.group_stamp == Port::nof_stores()) {
             // A net of the group has just resolved it, and no port has stored anything since: the
@@ -430,12 +436,12 @@ void Net::update(int time, Visited visited)
     bool repeated = window() != full_history && _repeats_last(resolved, time);
     if (!repeated) {
         ++_nof_recorded_updates;
-        ValueHistory::set(resolved, time);
+        _set(resolved, time);
     }
 
     if (tied) {
-        visited.insert(this);
-        _update_connected_nets(time, visited);
+        given->insert(this);
+        _update_connected_nets(time, *given);
     }
 
     // A net with many listeners reaches ports all over memory; fetching a few ahead overlaps the misses.

@@ -109,7 +109,8 @@ public:
 
     /// Recomputes and records the value at `time`, updates tied nets not yet in `visited`, and sets
     /// the listening ports.
-    void update(int time, Visited visited = {});
+    void update(int time) { _update(time, nullptr); }
+    void update(int time, Visited visited) { _update(time, &visited); }
 
     void print() const;
     /// Updates of any net that recorded a value, since the process began: with windows, which record
@@ -131,6 +132,8 @@ public:
     const PinSpec* _pin_spec(const Port* port) const { return _pin_specs.at(port); }
 
 private:
+    /// update, with the set of the walk it is part of, or none for the first net.
+    void _update(int time, Visited* given);
     Value _narrowed_value(int time, const Port* port) const;
     /// All bits in one pass over the ports; false, having recorded nothing, where tied nets or pin
     /// specs need the bit-by-bit walk.

@@ -49,7 +49,7 @@ std::uint64_t Port::_nof_stores = 0;
 void Port::set(const Value& value, int time)
 {
     ++_nof_stores;
-    ValueHistory::set(value, time);
+    _set(value, time);
     Dir direction = dir();
     if (direction == Output && _outside_net != nullptr) {
         if (simulator() != nullptr)

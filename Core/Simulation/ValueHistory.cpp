@@ -32,11 +32,8 @@ void ValueHistory::set(const Value& value, int time)
         // A window stores no repeat, and a repeat changes nothing a subscriber would hear of.
         if (windowed && Morvane::identical_letters(last, letters, _size))
             return;
-        if (!blank && _subscriber_count() != 0 && !Morvane::same_letters(last, letters, _size)) {
-            Value old_value = _value_from(last);
-            ValueChange change{old_value, value, time};
-            _notify_subscribers(change);
-        }
+        if (!blank && _subscriber_count() != 0 && !Morvane::same_letters(last, letters, _size))
+            _notify_change_from(last, value, time);
         if (time > _records.last_time()) {
             _records.append(time, letters);
             if (windowed && _records.tail_page_is_new())
@@ -51,6 +48,13 @@ void ValueHistory::set(const Value& value, int time)
     if (old_value != value)
         _notify_subscribers(old_value, value, time);
     _store(value, time);
+}
+
+void ValueHistory::_notify_change_from(const char* last, const Value& value, int time)
+{
+    Value old_value = _value_from(last);
+    ValueChange change{old_value, value, time};
+    _notify_subscribers(change);
 }
 
 bool ValueHistory::_takes_back_last_change(const char* letters)

@@ -164,6 +164,26 @@ public:
     void print() const;
 
 protected:
+    /// set, with its most common case in line: a value of the width, later than every entry.
+    void _set(const Value& value, int time)
+    {
+        if (_records.empty() || _has_blank_entries || value.size() != _size || time <= _records.last_time()) {
+            ValueHistory::set(value, time);
+            return;
+        }
+        const char* last = _records.last_letters();
+        const char* letters = value.c_str();
+        bool windowed = _window != full_history;
+        if (windowed && Morvane::identical_letters(last, letters, _size))
+            return;
+        if (_subscriber_count() != 0 && !Morvane::same_letters(last, letters, _size))
+            _notify_change_from(last, value, time);
+        _records.append(time, letters);
+        if (windowed && _records.tail_page_is_new())
+            _forget_before_window();
+    }
+    /// Tells the subscribers of a change from the letters `last` to `value`.
+    void _notify_change_from(const char* last, const Value& value, int time);
     void _notify_subscribers(const Value& old_value, const Value& new_value, int time);
     void _notify_subscribers(ValueChange& change);
     /// Sizes an unsized history; a net takes its width from the first port attached. Entries made

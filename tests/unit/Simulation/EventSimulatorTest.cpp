@@ -7,6 +7,7 @@
 #include "Core/Simulation/Port.h"
 #include "Core/Support/Error.h"
 
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -158,6 +159,38 @@ TEST_F(EventSimulatorTest, FinishedSlotsDroppedRunAsKeptOnesAndReuseTheirStore)
     // A second run replays nothing: the slots are gone.
     sim->simulate(100);
     EXPECT_EQ(log.size(), 41u);
+}
+
+TEST_F(EventSimulatorTest, SingleRunsReachSlotsFarAheadInTheOrderOfKeptRuns)
+{
+    // Slots far beyond the near window, slots asked for from there, an equal request, a request for
+    // a time already past, and a run that stops and goes on: the order is that of a kept run.
+    Probe* a = probe("a");
+    Probe* b = probe("b");
+    a->on_evaluate = [&](int t) {
+        if (t == 5000 || t == 9000)
+            return;
+        sim->request_evaluation(t + 1500, a, nullptr);
+        sim->request_evaluation(t + 1, b, nullptr);
+        sim->request_evaluation(t + 1, b, nullptr);
+        sim->request_evaluation(t - 1, b, nullptr);
+    };
+    auto run = [&](bool keep) {
+        sim->reset(0);
+        log.clear();
+        sim->set_keep_finished_slots(keep);
+        for (int t : {9000, 2000, 5000, 3})
+            sim->request_evaluation(t, a, nullptr);
+        // A kept run would replay the first part in a second call; a single run goes on.
+        if (!keep)
+            sim->simulate(3503);
+        sim->simulate(20000);
+        return log;
+    };
+    Log kept = run(true);
+    EXPECT_EQ(kept.back(), "b@19504");
+    EXPECT_EQ(std::count(kept.begin(), kept.end(), "b@2"), 0);
+    EXPECT_EQ(run(false), kept);
 }
 
 TEST_F(EventSimulatorTest, EmptyQueueResetAndStopFlag)

@@ -50,11 +50,11 @@ TEST(ValueTest, BuildsAssignsAndResizes)
         {"Value(4) = 'u'", [] { return Value(4) = 'u'; }, "uuuu"},
         {"Value(4) = 'z'", [] { return Value(4) = 'z'; }, "LLLz"},
         {"Value(0) = 'z'", [] { return Value(0) = 'z'; }, "z"},
-        {"pad to heap", [] { return changed(Value("Hz"), [](Value& v) { v.pad_up_to(9, 'z'); }); },
-         "zzzzzzzHz"},
+        {"pad to heap", [] { return changed(Value("Hz"), [](Value& v) { v.pad_up_to(24, 'z'); }); },
+         "zzzzzzzzzzzzzzzzzzzzzzHz"},
         {"truncate, pad from the kept store",
          [] {
-             return changed(Value("HHHHLLLLHzHL"), [](Value& v) {
+             return changed(Value("HHHHLLLLHHHHLLLLHHHHHzHL"), [](Value& v) {
                  v.truncate_down_to(4);
                  v.pad_up_to(6, 'p');
              });
