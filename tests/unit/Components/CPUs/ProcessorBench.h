@@ -72,7 +72,6 @@ template <class Chip> struct ProcessorBench
         const char* rw_pin = cpu->port("_R/W") != nullptr ? "_R/W" : "R/W";
         if (cpu->port("BE") != nullptr) {
             h.net("be", {be, cpu->port("BE")});
-            vp = h.net("vp", {cpu->port("_VP")});
         }
         h.net("phi0", {clk, cpu->port("PHI0")});
         h.net("res", {res, cpu->port("_RES")});
@@ -80,8 +79,6 @@ template <class Chip> struct ProcessorBench
         h.net("nmi", {nmi, cpu->port("_NMI")});
         h.net("rdy", {rdy, cpu->port("RDY")});
         h.net("so", {so, cpu->port("_SO")});
-        sync = h.net("sync", {cpu->port("SYNC")});
-        phi1 = h.net("phi1", {cpu->port("PHI1")});
         if (with_memory) {
             h.root.add(&mem, false);
             a = h.net("a", {cpu->port("A"), mem.port("A")});
@@ -133,9 +130,6 @@ template <class Chip> struct ProcessorBench
     Chip* cpu = nullptr;               // the part
     Net* a = nullptr;                  // on "A"
     Net* rw = nullptr;                 // on "_R/W" or "R/W"
-    Net* vp = nullptr;                 // on "_VP", where the chip has it
-    Net* sync = nullptr;               // on "SYNC"
-    Net* phi1 = nullptr;               // on "PHI1"
     Net* phi2 = nullptr;               // on "PHI2"
     Net* d = nullptr;                  // on "D"
 };
