@@ -102,17 +102,3 @@ TEST(GatesTest, OutputsOnOneNetResolveByTheTable)
     // until a second strong driver makes the net undefined.
     EXPECT_EQ(record_of(*shared), "0u 3H 13L 30u 40L ");
 }
-
-TEST(GatesTest, ZeroDelayGatesRunInTheSameTimeStep)
-{
-    Network n;
-    Gate* first = n.gate("Inv", "U1(delay=0)");
-    Gate* second = n.gate("Inv", "U2(delay=0)");
-    Port* src = n.source("src");
-    n.net("in", {src, first->port("in")});
-    n.net("mid", {first->port("out"), second->port("in")});
-    Net* out = n.net("out", {second->port("out")});
-    src->set(Value("H"), 20);
-    simulator()->simulate(100);
-    EXPECT_EQ(record_of(*out), "20H ");
-}

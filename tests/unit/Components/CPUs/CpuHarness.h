@@ -20,37 +20,26 @@
 #include <vector>
 
 // clang-format off
-struct M6502Core
-{
-    using cpu_t = m6502_t;
-    using desc_t = m6502_desc_t;
-    static constexpr const char* name = "6502";
-    static uint64_t init(cpu_t* c, const desc_t* d) { return m6502_init(c, d); }
-    static uint64_t tick(cpu_t* c, uint64_t pins) { return m6502_tick(c, pins); }
-    static void set(cpu_t* c, uint8_t a, uint8_t x, uint8_t y, uint8_t s, uint8_t p)
-    { m6502_set_a(c, a); m6502_set_x(c, x); m6502_set_y(c, y); m6502_set_s(c, s); m6502_set_p(c, p); }
-    static void set_pc(cpu_t* c, uint16_t pc) { m6502_set_pc(c, pc); }
-    static void set_p(cpu_t* c, uint8_t p) { m6502_set_p(c, p); }
-    static uint16_t pc(const cpu_t* c) { return m6502_pc(c); }
-    static uint8_t regs(const cpu_t* c, int i)
-    { return i == 0 ? m6502_a(c) : i == 1 ? m6502_x(c) : i == 2 ? m6502_y(c) : i == 3 ? m6502_s(c) : m6502_p(c); }
-};
-
-struct W65C02Core
-{
-    using cpu_t = w65c02_t;
-    using desc_t = w65c02_desc_t;
-    static constexpr const char* name = "65C02";
-    static uint64_t init(cpu_t* c, const desc_t* d) { return w65c02_init(c, d); }
-    static uint64_t tick(cpu_t* c, uint64_t pins) { return w65c02_tick(c, pins); }
-    static void set(cpu_t* c, uint8_t a, uint8_t x, uint8_t y, uint8_t s, uint8_t p)
-    { w65c02_set_a(c, a); w65c02_set_x(c, x); w65c02_set_y(c, y); w65c02_set_s(c, s); w65c02_set_p(c, p); }
-    static void set_pc(cpu_t* c, uint16_t pc) { w65c02_set_pc(c, pc); }
-    static void set_p(cpu_t* c, uint8_t p) { w65c02_set_p(c, p); }
-    static uint16_t pc(const cpu_t* c) { return w65c02_pc(c); }
-    static uint8_t regs(const cpu_t* c, int i)
-    { return i == 0 ? w65c02_a(c) : i == 1 ? w65c02_x(c) : i == 2 ? w65c02_y(c) : i == 3 ? w65c02_s(c) : w65c02_p(c); }
-};
+/// One core's functions under the names the harness calls.
+#define MORVANE_CPU_CORE(Core, prefix, text)                                                              \
+    struct Core                                                                                           \
+    {                                                                                                     \
+        using cpu_t = prefix##_t;                                                                         \
+        using desc_t = prefix##_desc_t;                                                                   \
+        static constexpr const char* name = text;                                                         \
+        static uint64_t init(cpu_t* c, const desc_t* d) { return prefix##_init(c, d); }                   \
+        static uint64_t tick(cpu_t* c, uint64_t pins) { return prefix##_tick(c, pins); }                  \
+        static void set(cpu_t* c, uint8_t a, uint8_t x, uint8_t y, uint8_t s, uint8_t p)                  \
+        { prefix##_set_a(c, a); prefix##_set_x(c, x); prefix##_set_y(c, y); prefix##_set_s(c, s); prefix##_set_p(c, p); } \
+        static void set_pc(cpu_t* c, uint16_t pc) { prefix##_set_pc(c, pc); }                             \
+        static void set_p(cpu_t* c, uint8_t p) { prefix##_set_p(c, p); }                                  \
+        static uint16_t pc(const cpu_t* c) { return prefix##_pc(c); }                                     \
+        static uint8_t regs(const cpu_t* c, int i)                                                        \
+        { return i == 0 ? prefix##_a(c) : i == 1 ? prefix##_x(c) : i == 2 ? prefix##_y(c) : i == 3 ? prefix##_s(c) : prefix##_p(c); } \
+    };
+MORVANE_CPU_CORE(M6502Core, m6502, "6502")
+MORVANE_CPU_CORE(W65C02Core, w65c02, "65C02")
+#undef MORVANE_CPU_CORE
 // clang-format on
 
 /// Where the self-checking test images lie: beside the source tree; a worktree one level deeper

@@ -51,22 +51,14 @@ int delay_of(Component* c)
 
 TEST(Chips74CombinationalTest, DelaysByTypeAndFamily)
 {
+    // clang-format off
     const std::pair<const char*, int> rows[] = {
-        {"74LS00 u", 10},
-        {"74LS04 u", 10},
-        {"74LS08 u", 13},
-        {"74LS32 u", 14},
-        {"74LS125 u", 25},
-        {"74LS139 u", 38},
-        {"74LS137 u", 38},
-        {"74LS244 u", 33},
-        {"74LS283 u", 24},
-        {"74LS154 u", 23},
-        {"74x688 u", 25},
-        {"74x688 u(family=ALS)", 22},
-        {"74x688 u(family=ALS,delay=30)", 30},
+        {"74LS00 u", 10}, {"74LS04 u", 10}, {"74LS08 u", 13}, {"74LS32 u", 14}, {"74LS125 u", 25},
+        {"74LS139 u", 38}, {"74LS137 u", 38}, {"74LS244 u", 33}, {"74LS283 u", 24}, {"74LS154 u", 23},
+        {"74x688 u", 25}, {"74x688 u(family=ALS)", 22}, {"74x688 u(family=ALS,delay=30)", 30},
         {"74LS00 u(delay=20)", 20},
     };
+    // clang-format on
     ComponentFactory factory;
     for (const auto& [spec, delay] : rows) {
         std::string text = spec;
