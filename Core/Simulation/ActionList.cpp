@@ -64,18 +64,30 @@ std::uint32_t ActionStore::_place_letters(std::size_t bytes)
 
 std::uint32_t ActionStore::_add_with_letters_or_chunk(void* target, Port* port, const Value* value)
 {
-    std::uint32_t where = 0;
-    if (value != nullptr) {
-        unsigned width = value->size();
-        where = _place_letters(1 + std::size_t{width});
-        unsigned char* place = _letters_at(where);
-        place[0] = static_cast<unsigned char>(width);
-        const char* letters = value->c_str();
-        for (unsigned i = 0; i < width; ++i)
-            place[1 + i] = static_cast<unsigned char>(letters[i]);
-    }
     std::uint32_t id = _new_record();
-    (*this)[id] = ActionRecord{target, port, ActionRecord::none, where};
+    ActionRecord& record = (*this)[id];
+    record.target = target;
+    record.port = port;
+    record.next = ActionRecord::none;
+    record.value = 0;
+    if (value == nullptr)
+        return id;
+    unsigned width = value->size();
+    const char* letters = value->c_str();
+    if (width <= ActionRecord::record_letters) {
+        // Most nets are narrow: their letters travel in the record.
+        record.value = ActionRecord::in_record + width;
+        for (unsigned i = 0; i < width; ++i)
+            record.letters[i] = letters[i];
+        return id;
+    }
+    std::uint32_t where = _place_letters(1 + std::size_t{width});
+    unsigned char* place = _letters_at(where);
+    place[0] = static_cast<unsigned char>(width);
+    for (unsigned i = 0; i < width; ++i)
+        place[1 + i] = static_cast<unsigned char>(letters[i]);
+    // Placing letters may have added a chunk of letters, never of records: the record stays put.
+    record.value = where;
     return id;
 }
 
@@ -88,7 +100,7 @@ void ActionStore::release(std::uint32_t first)
         last = id;
         ++_nof_free;
         std::uint32_t block = (*this)[id].value;
-        if ((block & in_block) == 0)
+        if ((block & in_block) == 0 || block >= ActionRecord::in_record)
             continue;
         unsigned char* letters = _letters_at(block);
         unsigned size_class = 0;
@@ -112,6 +124,8 @@ Value ActionStore::value(std::uint32_t id) const
     const ActionRecord& record = (*this)[id];
     if (record.value == 0)
         return Value("Q");
+    if (record.value >= ActionRecord::in_record)
+        return Value::from_letters(record.letters, record.value - ActionRecord::in_record);
     const unsigned char* letters = _letters_at(record.value);
     return Value::from_letters(reinterpret_cast<const char*>(letters + 1), letters[0]);
 }
@@ -124,6 +138,10 @@ bool ActionStore::equals(std::uint32_t id, void* target, Port* port, const Value
     if (value == nullptr)
         return true;
     // As Value compares: over the recorded width, ignoring case; a narrower request differs.
+    if (record.value >= ActionRecord::in_record) {
+        unsigned width = record.value - ActionRecord::in_record;
+        return value->size() >= width && Morvane::same_letters(record.letters, value->c_str(), width);
+    }
     const unsigned char* letters = _letters_at(record.value);
     unsigned width = letters[0];
     if (value->size() < width)

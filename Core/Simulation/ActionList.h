@@ -10,18 +10,23 @@
 class Port;
 class Value;
 
-/// One action as the engine keeps it: 24 bytes, where an action with its own `Value` took 64 and
+/// One action as the engine keeps it: 32 bytes, where an action with its own `Value` took 64 and
 /// more. A component action needs no value (its value is always the marker Q); a net action's value
-/// lies in the store's letters.
+/// of up to 8 bits lies in the record, a wider one in the store's letters.
 struct ActionRecord
 {
     static constexpr std::uint32_t none = 0xffffffffu;  // no next record
+    /// `value` of a net action whose letters are in the record: this plus their number.
+    static constexpr std::uint32_t in_record = 0xfffffff0u;
+    static constexpr unsigned record_letters = 8;  // room for letters in the record
 
-    void* target;         // the Component to evaluate or the Net to update
-    Port* port;           // the port that caused the action, or null
-    std::uint32_t next;   // the next record of the same list, or none
-    std::uint32_t value;  // 0 for a component action; for a net action 1 + where its value lies, and
-                          // the top bit for letters in a block of a size class
+    void* target;                  // the Component to evaluate or the Net to update
+    Port* port;                    // the port that caused the action, or null
+    std::uint32_t next;            // the next record of the same list, or none
+    std::uint32_t value;           // 0 for a component action; for a net action in_record + width, or
+                                   // 1 + where its value lies, with the top bit for letters in a block of a
+                                   // size class
+    char letters[record_letters];  // of a net action's value of up to 8 bits, not terminated
 };
 
 /// Records and the letters of their values, in chunks that never move, so that a record stays
@@ -41,7 +46,11 @@ public:
         if (value != nullptr || _free_records != ActionRecord::none || (_count & chunk_mask) == 0)
             return _add_with_letters_or_chunk(target, port, value);
         std::uint32_t id = _count++;
-        _chunk[id & chunk_mask] = ActionRecord{target, port, ActionRecord::none, 0};
+        ActionRecord& record = _chunk[id & chunk_mask];
+        record.target = target;
+        record.port = port;
+        record.next = ActionRecord::none;
+        record.value = 0;
         return id;
     }
     ActionRecord& operator[](std::uint32_t id) { return _chunks[id >> chunk_shift][id & chunk_mask]; }
@@ -68,7 +77,7 @@ public:
     std::size_t bytes() const { return (_chunks.size() + _letter_chunks.size()) * chunk_bytes; }
 
 private:
-    static constexpr unsigned chunk_shift = 18;  // records per chunk, as a power of 2: 3 huge pages
+    static constexpr unsigned chunk_shift = 18;  // records per chunk, as a power of 2: 4 huge pages
     static constexpr std::uint32_t chunk_mask = (1u << chunk_shift) - 1;
     static constexpr std::size_t chunk_bytes = sizeof(ActionRecord) << chunk_shift;  // also a letter chunk
 

@@ -35,7 +35,7 @@ void EvalAction::run(EventSimulator* simulator) const
             c->evaluate(t);
     }
     if (n != nullptr)
-        n->update(t, std::set<Net*>());
+        n->update(t);
 }
 
 const Value& EvalAction::marker_value()

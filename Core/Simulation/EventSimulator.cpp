@@ -184,7 +184,7 @@ void EventSimulator::_run(const ActionStore& store, std::uint32_t id)
             component->evaluate(t);
     } else {
         // The net recomputes from its drivers; the value only told two requests apart.
-        static_cast<Net*>(record.target)->update(t, std::set<Net*>());
+        static_cast<Net*>(record.target)->update(t);
     }
 }
 

@@ -183,7 +183,7 @@ void Net::compute_value(int time, Value& out)
 {
     if (out.size() != size())
         out.set_size(size());
-    if (_compute_value_fast(time, out) || _compute_value_tied(time, out))
+    if (_compute_value_fast(time, out) || _compute_value_tied(time, out, nullptr))
         return;
     for (unsigned bit = 0; bit < size(); ++bit)
         out[bit] = Morvane::letter(_compute_bit_value(bit, time));
@@ -223,8 +223,8 @@ constexpr std::array<BitDrivers, 256> make_driver_table()
 
 constexpr std::array<BitDrivers, 256> driver_table = make_driver_table();
 
-// Counts one more driver on each of `width` bits; the value's letters come most significant first.
-void record_drivers(BitDrivers* counts, const Value& driven, unsigned width, unsigned& nof_drivers)
+// Counts one more driver on each of `width` bits; the letters come most significant first.
+void record_drivers(BitDrivers* counts, const char* letters, unsigned width, unsigned& nof_drivers)
 {
     // Every driver counts on every bit, so the count of the first bit is the number of drivers.
     if (width == 0)
@@ -232,9 +232,27 @@ void record_drivers(BitDrivers* counts, const Value& driven, unsigned width, uns
     if (nof_drivers == 255)
         throw Error("*** ERROR: Maximum size of a a network is reached. Max 255 ports per net.");
     ++nof_drivers;
-    const char* letters = driven.c_str();
     for (unsigned bit = 0; bit < width; ++bit)
         counts[bit] += driver_table[static_cast<unsigned char>(letters[width - 1 - bit])];
+}
+
+// Reads what `port` drives at `time` and counts it; false where its width is not the net's.
+// `own` turns false where the port's value came from elsewhere than its own history.
+bool record_port(BitDrivers* counts, Port* port, int time, unsigned width, unsigned& nof_drivers, bool& own)
+{
+    if (port->size() != width)
+        return false;
+    // Most drivers are part outputs, whose letters are read in place.
+    if (const char* letters = port->own_driven_letters(time)) {
+        record_drivers(counts, letters, width, nof_drivers);
+        return true;
+    }
+    own = false;
+    Value driven = port->value(time);
+    if (driven.size() != width)
+        return false;
+    record_drivers(counts, driven.c_str(), width, nof_drivers);
+    return true;
 }
 
 void resolve_counts(const BitDrivers* counts, unsigned width, Value& out)
@@ -242,6 +260,7 @@ void resolve_counts(const BitDrivers* counts, unsigned width, Value& out)
     // The bits of a bus mostly have the same drivers in the same states.
     BitDrivers last = 0;
     char letter = 'z';
+    char* letters = out.letters();
     for (unsigned bit = 0; bit < width; ++bit) {
         BitDrivers c = counts[bit];
         if (c != last || bit == 0) {
@@ -249,7 +268,7 @@ void resolve_counts(const BitDrivers* counts, unsigned width, Value& out)
             letter = Morvane::letter(resolve_drivers(byte(0), byte(1), byte(2), byte(3), byte(4), byte(5)));
             last = c;
         }
-        out[bit] = letter;
+        letters[width - 1 - bit] = letter;
     }
 }
 
@@ -293,24 +312,29 @@ bool Net::_compute_value_fast(int time, Value& out)
     unsigned width = size();
     if (i == _ports.size() && nof_drivers == 1) {
         // The common net: one driver, whose letters resolve one by one.
-        Value driven = drivers[0]->value(time);
+        Port* driver = drivers[0];
+        if (driver->size() != width)
+            return false;
+        auto resolve = [&out, width](const char* letters) {
+            char* resolved = out.letters();
+            for (unsigned bit = 0; bit < width; ++bit)
+                resolved[bit] = resolve_single_driver(letters[bit]);
+        };
+        if (const char* letters = driver->own_driven_letters(time)) {
+            resolve(letters);
+            return true;
+        }
+        Value driven = driver->value(time);
         if (driven.size() != width)
             return false;
-        const char* letters = driven.c_str();
-        for (unsigned bit = 0; bit < width; ++bit)
-            out.left_indexed_bit(bit) = resolve_single_driver(letters[bit]);
+        resolve(driven.c_str());
         return true;
     }
     BitDrivers counts[256];
     std::memset(counts, 0, width * sizeof(BitDrivers));
     unsigned counted = 0;
-    auto record = [&](Port* port) {
-        Value driven = port->value(time);
-        if (driven.size() != width)
-            return false;
-        record_drivers(counts, driven, width, counted);
-        return true;
-    };
+    bool own = true;
+    auto record = [&](Port* port) { return record_port(counts, port, time, width, counted, own); };
     for (std::size_t d = 0; d < nof_drivers; ++d) {
         if (!record(drivers[d]))
             return false;
@@ -356,7 +380,7 @@ bool Net::_find_tied_group()
     return true;
 }
 
-bool Net::_compute_value_tied(int time, Value& out)
+bool Net::_compute_value_tied(int time, Value& out, bool* drivers_own)
 {
     // Without pin specs the bit-by-bit walk visits the same nets in the same order for every bit, so
     // one walk that reads whole values gives the same counts; the only error it can meet, too many
@@ -367,27 +391,35 @@ bool Net::_compute_value_tied(int time, Value& out)
     BitDrivers counts[256];
     std::memset(counts, 0, width * sizeof(BitDrivers));
     unsigned counted = 0;
+    bool own = true;
     for (Net* net : _tied_group) {
         for (Port* port : net->_ports) {
-            if (!port->drives(net))
-                continue;
-            Value driven = port->value(time);
-            if (driven.size() != width)
+            if (port->drives(net) && !record_port(counts, port, time, width, counted, own))
                 return false;
-            record_drivers(counts, driven, width, counted);
         }
     }
     resolve_counts(counts, width, out);
+    if (drivers_own != nullptr)
+        *drivers_own = own;
     return true;
 }
 
-void Net::update(int time, std::set<Net*> visited)
+void Net::update(int time, Visited visited)
 {
     Value resolved(static_cast<int>(size()));
     // The fast path gives up on any inout port, so when it succeeds no net is tied to this one.
     bool tied = false;
     if (!_compute_value_fast(time, resolved)) {
-        if (!_compute_value_tied(time, resolved)) {
+        bool own = false;
+        if (visited.group_value != nullptr && visited.group_stamp == Port::nof_stores()) {
+            // A net of the group has just resolved it, and no port has stored anything since: the
+            // same drivers give the same letters.
+            std::memcpy(resolved.letters(), visited.group_value->c_str(), size());
+        } else if (_compute_value_tied(time, resolved, &own)) {
+            // Only what the ports hold went in, so it holds while no port stores anything.
+            visited.group_value = own ? &resolved : nullptr;
+            visited.group_stamp = Port::nof_stores();
+        } else {
             for (unsigned bit = 0; bit < size(); ++bit)
                 resolved[bit] = Morvane::letter(_compute_bit_value(bit, time));
         }
@@ -422,7 +454,7 @@ void Net::update(int time, std::set<Net*> visited)
     }
 }
 
-void Net::_update_connected_nets(int time, std::set<Net*>& visited)
+void Net::_update_connected_nets(int time, Visited& visited)
 {
     for (std::size_t i = 0; i < _ports.size(); ++i) {
         Port* port = _ports[i];
@@ -430,7 +462,7 @@ void Net::_update_connected_nets(int time, std::set<Net*>& visited)
             continue;
         Net* other = _get_net_of_other_side(port);
         // Each branch gets its own copy, so a diamond of nets may update one of them twice.
-        if (other != nullptr && visited.count(other) == 0)
+        if (other != nullptr && !visited.contains(other))
             other->update(time, visited);
     }
 }

@@ -8,6 +8,8 @@
 #include "Core/Simulation/PinSpec.h"
 #include "Core/Simulation/ValueHistory.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -67,9 +69,47 @@ public:
     Value local_value(int time, bool follow);
     /// Resolves every bit into `out` (made the net's width) and records nothing.
     void compute_value(int time, Value& out);
+    /// The nets an update has passed through. Each branch of a walk over tied nets takes its own
+    /// copy, as a set passed by value would; groups are small, so their nets are kept in place.
+    class Visited
+    {
+    public:
+        Visited() : _count(0) {}
+
+        // The value a net of a tied group resolved for the whole group, while it holds: drivers
+        // that hold their own letters, and Port::nof_stores() as it was then.
+        const Value* group_value = nullptr;
+        std::uint64_t group_stamp = 0;
+
+        bool contains(const Net* net) const
+        {
+            for (std::size_t i = 0; i < _count; ++i) {
+                if (_near[i] == net)
+                    return true;
+            }
+            return std::find(_far.begin(), _far.end(), net) != _far.end();
+        }
+        void insert(Net* net)
+        {
+            if (contains(net))
+                return;
+            if (_count < near_capacity)
+                _near[_count++] = net;
+            else
+                _far.push_back(net);
+        }
+
+    private:
+        static constexpr std::size_t near_capacity = 6;
+
+        Net* _near[near_capacity];  // the first nets, in order of passing
+        std::size_t _count;         // of _near in use
+        std::vector<Net*> _far;     // the rest, for long walks
+    };
+
     /// Recomputes and records the value at `time`, updates tied nets not yet in `visited`, and sets
     /// the listening ports.
-    void update(int time, std::set<Net*> visited);
+    void update(int time, Visited visited = {});
 
     void print() const;
     /// Updates of any net that recorded a value, since the process began: with windows, which record
@@ -82,7 +122,7 @@ public:
     void _add(Morvane::IntExtQual q, Port* port);
     void _check_size(Port* port);
     void _check_net_side(Morvane::IntExtQual q, Port* port);
-    void _update_connected_nets(int time, std::set<Net*>& visited);
+    void _update_connected_nets(int time, Visited& visited);
     Morvane::BitState _compute_bit_value(unsigned bit, int time);
     PinDriveStatus _get_drive_status(unsigned bit, int time, std::set<Net*>& visited);
     /// The port's other net as seen from this one: its outside, unless that is this net.
@@ -96,8 +136,9 @@ private:
     /// specs need the bit-by-bit walk.
     bool _compute_value_fast(int time, Value& out);
     /// All bits of a group of nets tied by inout ports, each driver read once; false, having
-    /// recorded nothing, where a net of the group has pin specs or another width.
-    bool _compute_value_tied(int time, Value& out);
+    /// recorded nothing, where a net of the group has pin specs or another width. `drivers_own`,
+    /// if given, tells whether every driver's value was its own history's.
+    bool _compute_value_tied(int time, Value& out, bool* drivers_own);
     /// The group of nets tied to this one, this one first, or false where the one-pass resolution
     /// can't take it.
     bool _find_tied_group();

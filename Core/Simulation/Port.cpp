@@ -44,8 +44,11 @@ Port::~Port()
         _inside_net->remove(this);
 }
 
+std::uint64_t Port::_nof_stores = 0;
+
 void Port::set(const Value& value, int time)
 {
+    ++_nof_stores;
     ValueHistory::set(value, time);
     Dir direction = dir();
     if (direction == Output && _outside_net != nullptr) {

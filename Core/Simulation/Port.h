@@ -7,6 +7,7 @@
 #include "Core/Simulation/Net.h"
 #include "Core/Simulation/ValueHistory.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,9 @@ public:
 
     /// Records the value; an output then asks its outside net to recompute at `time`.
     void set(const Value& value, int time) final;
+    /// Calls of set on any port since the process began: while it stands, every port holds what
+    /// it held.
+    static std::uint64_t nof_stores() { return _nof_stores; }
     /// The value as the owner sees it, see the class comment. The const form is the recorded value.
     virtual Value value(int time) final
     {
@@ -82,6 +86,13 @@ public:
         }
         return false;
     }
+    /// What this port drives at `time` where that is its own history's letters (an output with no
+    /// inside net, the common driver): no copy, valid until the history changes. Null otherwise;
+    /// value() then tells.
+    const char* own_driven_letters(int time) const
+    {
+        return _dir == Morvane::Output && _inside_net == nullptr ? letters_at(time) : nullptr;
+    }
     /// Leaves the net of side q, if any.
     void disconnect(Morvane::IntExtQual q);
     bool z_translation() const { return _z_translation; }
@@ -107,6 +118,8 @@ private:
         return result;
     }
     Value _inout_value(int time);
+
+    static std::uint64_t _nof_stores;  // see nof_stores
 
     Morvane::Dir _dir;            // as seen from the owner
     Component* _component;        // owner; null when made by a factory

@@ -47,6 +47,8 @@ bool is_undefined_like(char c)
 
 }  // namespace
 
+static_assert(sizeof(Value) == 32, "a value and its letters fill half a cache line");
+
 Value::Value(int width) : _size(wrap_width(static_cast<std::size_t>(width)))
 {
     _init_after_size_change();
@@ -343,7 +345,7 @@ void Value::pad_up_to(unsigned n, char c)
         delete[] _dynamic_array;
         _dynamic_array = fresh;
     } else {
-        // A heap store kept after a truncation once held more than 8 bits, so it has the room.
+        // A heap store kept after a truncation once held more than the small store, so it has the room.
         std::memmove(_store() + grow, _store(), _size);
     }
     char* store = _store();

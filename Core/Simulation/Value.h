@@ -14,8 +14,9 @@
 /// value prints as itself. Letters compare ignoring case; storage keeps them as they came.
 ///
 /// Widths are stored in 8 bits, so a requested width of 256 or more wraps. A width of 0 means not
-/// sized yet: the first assignment sizes the value. Up to 8 bits live inside the object; wider values
-/// use the heap, and a heap store, once made, stays in use after a truncation.
+/// sized yet: the first assignment sizes the value. Up to 22 bits (an address bus) live inside the
+/// object, which then fills 32 bytes; wider values use the heap, and a heap store, once made, stays in
+/// use after a truncation.
 ///
 /// Failures throw standard exceptions, not Error: out_of_range (index, number), length_error
 /// (initialiser), domain_error (integer of a non-binary bit), bad_cast (state of a multi-bit value).
@@ -40,7 +41,7 @@ public:
     /// With width 0 the width is the length of the text; the high bits are padded as above.
     Value(const char* text, int width = 0);
     Value(const std::string& text, int width = 0);
-    virtual ~Value() { delete[] _dynamic_array; }
+    ~Value() { delete[] _dynamic_array; }
 
     /// Exactly `width` letters as they are, no padding; `width` must be below 256.
     static Value from_letters(const char* letters, unsigned width)
@@ -72,6 +73,8 @@ public:
     operator Morvane::BitState() const;
     operator std::string() const;
     const char* c_str() const { return _store(); }
+    /// The letters in place, most significant first, size() of them.
+    char* letters() { return _store(); }
     unsigned size() const { return _size; }
     void PrintTo(std::ostream* os) const;
 
@@ -159,7 +162,7 @@ public:
     }
 
 private:
-    static constexpr unsigned small_capacity = 8;  // bits that fit in the object
+    static constexpr unsigned small_capacity = 22;  // bits that fit in the object
     struct Unfilled
     {
     };
@@ -187,7 +190,7 @@ private:
     [[noreturn]] void _throw_index_error(unsigned i) const;
 
     char* _dynamic_array = nullptr;  // owned heap store, made once the width exceeded 8; else null
-    char _small_array[small_capacity + 1] = {};  // in-object store: up to 8 letters and the closing NUL
+    char _small_array[small_capacity + 1] = {};  // in-object store: up to 22 letters and the closing NUL
     std::uint8_t _size = 0;                      // bits
 };
 

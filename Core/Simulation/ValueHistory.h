@@ -105,6 +105,17 @@ public:
         return _earlier_value(time);
     }
     virtual unsigned size() const final { return _size; }
+    /// The letters in force at `time` where they lie in the history as they stand, valid until the
+    /// next change of the history; null before the first entry or where an entry is still unsized.
+    const char* letters_at(int time) const
+    {
+        if (_records.empty() || _has_blank_entries)
+            return nullptr;
+        if (time >= _records.last_time())
+            return _records.last_letters();
+        std::size_t i = _records.upper_bound(time);
+        return i > 0 ? _records.letters(i - 1) : nullptr;
+    }
 
     unsigned nof_values() const { return static_cast<unsigned>(_records.size()); }
     /// In ascending time.

@@ -1,14 +1,12 @@
 #include "Core/Circuit/CircuitFileWriter.h"
 
 #include "tests/unit/E2eCases.h"
-#include "tests/unit/ErrorText.h"
 #include "tests/unit/TempDir.h"
 
 #include "Cli/CircuitVerifier.h"
 #include "Core/Circuit/Circuit.h"
 #include "Core/Circuit/CircuitFileReader.h"
 #include "Core/Support/Error.h"
-#include "Core/Support/Regex.h"
 #include "Core/TestSequence/TestSequence.h"
 
 #include <exception>
@@ -28,9 +26,9 @@ std::unique_ptr<Circuit> build(const std::string& file)
     return std::unique_ptr<Circuit>(CircuitFileReader::new_circuit(file));
 }
 
-std::string written(const Circuit& circuit, const std::string& file, bool with_banner = false)
+std::string written(const Circuit& circuit, const std::string& file)
 {
-    CircuitFileWriter(&circuit).write_circuit(file, with_banner);
+    CircuitFileWriter(&circuit).write_circuit(file, false);
     return file_text(file);
 }
 
@@ -72,7 +70,6 @@ struct ExactCase
 };
 
 const ExactCase exact_cases[] = {
-    {"nothing in it", {{"main.ctc", "# lost: no empty line follows"}}, ""},
     {"meta data sorted and escaped, comment blocks, import paths sorted without ./",
      {{"main.ctc", "ImportPath \"zz\"\nImportPath \"./\"\nImportPath \"aa\"\n"
                    "MetaData b \"2\"\nMetaData a 'x\\y'\nMetaData a \"1\"\n"
@@ -97,12 +94,6 @@ const ExactCase exact_cases[] = {
                    " Circuit Unused {\n }\n Pin Input a\n Unit Inner x\n Net a a x.a\n}\nUnit Outer o\n"}},
      "Circuit Outer {\n   Circuit Inner {\n      Pin Input a\n\n      Unit Inv i\n\n      Net a a i.in\n\n"
      "   }\n\n   Pin Input a\n\n   Unit Inner x\n\n   Net a a x.a\n\n}\n\nUnit Outer o\n\n"},
-    {"a file declaration beside a parent without directory loses its first slash",
-     {{"main.ctc", "Circuit S \"sub/s.ctc\"\nUnit S s\n"}, {"sub/s.ctc", "Pin Input a\n"}},
-     "Circuit S \"subs.ctc\"\n\nUnit S s\n\n"},
-    {"the directory of the parent file is taken out wherever it stands",
-     {{"top/main.ctc", "Circuit S \"x/top/s.ctc\"\nUnit S s\n"}, {"top/x/top/s.ctc", "Pin Input a\n"}},
-     "Circuit S \"x/s.ctc\"\n\nUnit S s\n\n"},
 };
 
 }  // namespace
@@ -118,24 +109,6 @@ TEST(CircuitFileWriterTest, WritesEachQuirkExactly)
     }
 }
 
-TEST(CircuitFileWriterTest, BannerReadsBackAsAFileCommentAndPilesUp)
-{
-    TempDir dir;
-    dir.write("main.ctc", "Pin Input a\n");
-    std::string first = written(*build("main.ctc"), "first.ctc", true);
-    std::regex banner(
-        "#\n(# File generated at [A-Z][a-z]{2} [A-Z][a-z]{2} [ 0-9]\\d [0-9:]{8} \\d{4})\n#\n\n");
-    std::smatch match;
-    ASSERT_TRUE(std::regex_search(first, match, banner, std::regex_constants::match_continuous));
-    EXPECT_EQ(match.suffix().str(), "Pin Input a\n\n");
-    const std::string stamp = match[1].str();
-
-    // Read back, the old banner is a comment block whose empty lines come out as "# ".
-    std::string second = written(*build("first.ctc"), "second.ctc", true);
-    ASSERT_TRUE(std::regex_search(second, match, banner, std::regex_constants::match_continuous));
-    EXPECT_EQ(match.suffix().str(), "# \n" + stamp + "\n# \n\nPin Input a\n\n");
-}
-
 TEST(CircuitFileWriterTest, QuotedParameterValuesReadBackAsTheyStand)
 {
     TempDir dir;
@@ -146,14 +119,6 @@ TEST(CircuitFileWriterTest, QuotedParameterValuesReadBackAsTheyStand)
     EXPECT_EQ(again->find_component("g")->parameters()["program"], value);
     EXPECT_EQ(again->find_component("h")->parameters()["program"], value);
     EXPECT_EQ(written(*again, "second.ctc"), first);
-}
-
-TEST(CircuitFileWriterTest, FileThatCannotBeOpenedIsReported)
-{
-    TempDir dir;
-    Circuit circuit("c", nullptr);
-    EXPECT_EQ(error_of([&] { CircuitFileWriter(&circuit).write_circuit("no/such/dir.ctc", false); }),
-              "Cannot save file 'no/such/dir.ctc'");
 }
 
 // Every case circuit that builds: written, read, built and written again gives the same text, and both

@@ -17,13 +17,7 @@
 class OpenCircuit : public Circuit
 {
 public:
-    using Circuit::_add_net;
-    using Circuit::_create_port;
-    using Circuit::_find_net;
     using Circuit::_parse_name_and_params;
-    using Circuit::_split_path;
-    using Circuit::_split_port_path;
-    using Circuit::_update_instances_of;
     using Circuit::Circuit;
 };
 

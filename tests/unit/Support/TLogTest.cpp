@@ -20,27 +20,17 @@ TEST(TLogTest, NestedLevelsIndentOnceMoreAndReturn)
     EXPECT_EQ(TLog::instance_counter, -1);
 }
 
-TEST(TLogTest, DisabledLoggingStillCountsDepth)
+TEST(TLogTest, DisabledLoggingStillCountsDepthAndANullFormatOpensALevelSilently)
 {
     CaptureStdout();
     TLog::disable_logging();
-    {
-        TLog a("hidden");
-        EXPECT_EQ(TLog::instance_counter, 0);
-        TLog::enable_logging();
-        a("shown");
-    }
-    EXPECT_EQ(GetCapturedStdout(), "shown\n");
-}
-
-TEST(TLogTest, NullFormatOpensALevelSilentlyWithTheIndentString)
-{
-    CaptureStdout();
     TLog::set_indent_string("..");
     {
-        TLog a;
-        TLog b("deep");
+        TLog a("hidden");
+        TLog::enable_logging();
+        TLog b;
+        TLog c("deep");
     }
     TLog::set_indent_string("   ");
-    EXPECT_EQ(GetCapturedStdout(), "..deep\n");
+    EXPECT_EQ(GetCapturedStdout(), "....deep\n");
 }

@@ -50,15 +50,3 @@ TEST(OutputValueIndexTest, AgreesWithTheRowWalkEverywhere)
         }
     }
 }
-
-TEST(OutputValueIndexTest, EqualOutputTimesSpanNothing)
-{
-    std::mt19937 random(3);
-    auto sequence = make_sequence(random, 3, true);
-    // Rows 0 and 1 compare at the same time: only row 1 spans it.
-    sequence->get_vector(0)->set_time(sequence->get_vector(1)->time());
-    OutputValueIndex index(*sequence);
-    int t = sequence->get_vector(1)->output_time();
-    EXPECT_EQ(index.get_output_value("y", t), "y1");
-    EXPECT_EQ(index.get_output_value("y", t), sequence->get_output_value("y", t));
-}

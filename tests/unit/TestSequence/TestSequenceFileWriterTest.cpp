@@ -1,7 +1,6 @@
 #include "Core/TestSequence/TestSequenceFileWriter.h"
 
 #include "tests/unit/E2eCases.h"
-#include "tests/unit/ErrorText.h"
 #include "tests/unit/TempDir.h"
 
 #include "Core/Support/Error.h"
@@ -75,10 +74,8 @@ const ExactCase exact_cases[] = {
      "time a => b \n0005 H    L \n0100 L    H \n"},
     {"widths of the expanded text, values compact", "time d => q\n0 A 5\n",
      "time    d =>    q \n0000    A       5 \n"},
-    {"the delta column", "time a ==(dT)=> b\n0 H 5 L\n", "time a ==(dT)=> b \n0000 H     5    L \n"},
     {"reversed columns; a reversed net comes out as ~%", "time ~a => %~q %n b\n0 3 C 1 H\n",
      "time   ~a =>  ~%q   %n b \n0000    3       C    1 H \n"},
-    {"reversed values", "time a => b\n0 ~1 ~3\n", "time     a =>     b \n0000    ~1       ~3 \n"},
     {"comments before and behind objects, options and assignments",
      "# file\n# comment\n\nu1(delay=20,x=1) # opt\nen = H\n# two\n# lines\ntime a => b # head\n0 H L # row\n",
      "# file\n# comment\n\nu1(delay=20, x=1) # opt\n\nen=H\n\n# two\n# lines\ntime a => b  # head\n"
@@ -97,21 +94,6 @@ TEST(TestSequenceFileWriterTest, WritesEachQuirkExactly)
         EXPECT_EQ(written(sequence, "out.tv"), c.expected);
         EXPECT_EQ(sequence.filename(), "out.tv");
     }
-}
-
-TEST(TestSequenceFileWriterTest, FileCommentEndingInANewlineGetsALastHash)
-{
-    TempDir dir;
-    TestSequence sequence(TSInitEmpty);
-    sequence.set_file_comment("x\n\ny\n");
-    EXPECT_EQ(written(sequence, "out.tv"), "# x\n#\n# y\n#\n\n");
-}
-
-TEST(TestSequenceFileWriterTest, FileThatCannotBeMadeIsReported)
-{
-    TestSequence sequence(TSInitExample);
-    EXPECT_EQ(error_of([&] { TestSequenceFileWriter().write_sequence(&sequence, "no/such/dir.tv", true); }),
-              "File 'no/such/dir.tv' cannot be created.");
 }
 
 // Every case's test vector file that reads: written and read again, it holds the same.
