@@ -173,10 +173,19 @@ template <class Harness> void expect_program(const char* image, uint16_t success
     EXPECT_EQ(h.run_to_trap(200'000'000), success) << Harness::core::name << " " << image;
 }
 
-TEST(CoreProgramTest, PassesTheFunctionalTests)
+// Three tests, so that they can run side by side.
+TEST(CoreProgramTest, NmosPassesTheFunctionalTest)
 {
     expect_program<M6502Harness>("6502_functional_test.bin", 0x3469);
+}
+
+TEST(CoreProgramTest, CmosPassesTheFunctionalTest)
+{
     expect_program<W65C02Harness>("6502_functional_test.bin", 0x3469);
+}
+
+TEST(CoreProgramTest, CmosPassesTheExtendedOpcodesTest)
+{
     expect_program<W65C02Harness>("65C02_extended_opcodes_test.bin", 0x24F1);
 }
 
