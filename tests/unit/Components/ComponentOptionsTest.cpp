@@ -65,19 +65,6 @@ TEST(ComponentOptionsTest, RejectsMalformedTextWithItsMessage)
         EXPECT_EQ(error_of(c.make), c.message);
 }
 
-TEST(ComponentOptionsTest, IndexesOptionsInKeyOrder)
-{
-    ComponentOptions options("u1(zeta=1, alpha=2)", "");
-    EXPECT_EQ(options.get_key(0), "alpha");
-    EXPECT_EQ(options.get_value(1), "1");
-    EXPECT_EQ(options.get_key(99), "");
-    EXPECT_EQ(options.get_value(99), "");
-    EXPECT_EQ(options.get_value("missing"), "");
-    options.set("beta", "x");
-    options.remove_key("alpha");
-    EXPECT_EQ(options.get_options_string(), "beta=x,zeta=1");
-}
-
 TEST(ComponentOptionsTest, PortAssignmentTrimsNameAndValue)
 {
     PortAssignment assignment("  en \t=  H ", "tie");

@@ -74,47 +74,6 @@ TEST(ComponentTest, InputsAreSubscribedWhenAdded)
     EXPECT_EQ(c.heard.back(), "in=LLLL@1");
 }
 
-TEST(ComponentTest, CopyHasNewUnconnectedPortsAndListensToThem)
-{
-    Copyable source("src");
-    source.set_comment_text("note");
-    source.parameters()["delay"] = "4";
-    Port* in = source.make_port(2, Input, "in");
-    Pin* out = source.make_pin(Output, "out");
-    Net net(2);
-    net.add(in, Outside);
-    Copyable copy(&source);
-    EXPECT_EQ(copy.comment_text(), "note");
-    EXPECT_EQ(copy.get_parameter_string(), "(delay=4)");
-    ASSERT_EQ(copy.ports().size(), 2u);
-    EXPECT_NE(copy.port("in"), in);
-    EXPECT_EQ(copy.port("in")->net(Outside), nullptr);
-    EXPECT_NE(copy.pin("out"), nullptr);
-    EXPECT_NE(copy.pin("out"), out);
-    copy.port("in")->set(Value("HL"), 3);
-    in->set(Value("LH"), 4);
-    EXPECT_EQ(copy.heard, std::vector<std::string>{"in=HL@3"});
-    EXPECT_EQ(source.heard, std::vector<std::string>{"in=LH@4"});
-}
-
-TEST(ComponentTest, NamesParametersAndParent)
-{
-    Part part("U1", 5);
-    ParaMap params("(delay=9,family=LS)");
-    part.set_parameters(params);
-    EXPECT_EQ(part.delay(), 9);
-    EXPECT_EQ(part.instance_spec(), "U1(delay=9,family=LS)");
-    EXPECT_EQ(part.get_diff_parameter_string(ParaMap("(delay=9)")), "(family=LS)");
-    part.set_delay(1);
-    EXPECT_EQ(part.get_parameter_string(), "(delay=9,family=LS)");
-    part.set_parameters(ParaMap("(family=S)"));
-    EXPECT_EQ(part.delay(), 1);  // no key: the delay stays
-
-    Circuit top("top", nullptr);
-    part.set_parent(&top);
-    EXPECT_EQ(part.connected_to, &top);
-}
-
 TEST(ComponentTest, DelayedAndZeroDelayEvaluations)
 {
     Circuit top("top", nullptr);
@@ -136,26 +95,6 @@ TEST(ComponentTest, DelayedAndZeroDelayEvaluations)
     EXPECT_EQ(slow.evaluations, (std::vector<int>{17, 17}));  // one per changed port
     EXPECT_EQ(fast.evaluations, (std::vector<int>{12}));      // through the same-time list
     destroy_simulator();
-}
-
-TEST(ComponentTest, UpdateRefreshesPortsFromTheirNets)
-{
-    Copyable c("c");
-    Port* in = c.make_pin(Input, "in");
-    Port* out = c.make_pin(Output, "out");
-    Net outer(1);
-    Net inner(1);
-    outer.add(in, Outside);
-    inner.add(out, Inside);
-    outer.ValueHistory::set(Value("z"), 0);
-    inner.ValueHistory::set(Value("L"), 0);
-    c.update_inputs(4);
-    c.update_outputs(4);
-    EXPECT_STREQ(in->ValueHistory::value(4).c_str(), "U");
-    EXPECT_STREQ(out->ValueHistory::value(4).c_str(), "L");
-    c.disconnect();
-    EXPECT_EQ(in->net(Outside), nullptr);
-    EXPECT_EQ(out->net(Inside), &inner);  // the inside stays
 }
 
 TEST(ComponentTest, ClogPrefixesAndConnectionWarnings)

@@ -75,21 +75,6 @@ inline std::string changes_of(const ValueHistory& history)
     return text;
 }
 
-/// The names of the ports in order, each with its direction (< in, > out, = inout) and its width
-/// when it is more than one bit.
-inline std::string port_list(Component* c)
-{
-    std::string text;
-    for (Port* p : c->ports()) {
-        text += p->name();
-        text += p->dir() == Morvane::Input ? "<" : (p->dir() == Morvane::Output ? ">" : "=");
-        if (p->size() != 1)
-            text += std::to_string(p->size());
-        text += " ";
-    }
-    return text;
-}
-
 inline std::string lower(std::string text)
 {
     for (char& ch : text)

@@ -6,34 +6,6 @@
 #include <string>
 #include <vector>
 
-TEST(BuffersTest, FactoryRowsWithTheirDefaults)
-{
-    struct Row
-    {
-        const char* type;        // as a file names it
-        const char* spec;        // instance specification
-        const char* ports;       // in order, see port_list
-        const char* parameters;  // the merged map
-        int delay;               // ns, as applied
-    };
-    const Row rows[] = {
-        {"Delay", "d", "in< out> ", "(delay=3)", 3},
-        {"ThreeStateBuf", "d", "in< _g< out> ", "(delay=3)", 3},
-        {"BusBuffer", "d", "in<8 out>8 _g< ", "(delay=10,size=8)", 10},
-        {"BusBuffer", "d(size=16,delay=2)", "in<16 out>16 _g< ", "(delay=2,size=16)", 2},
-        {"Demux1to4", "d", "x< y0> y1> y2> y3> s0< s1< ", "(delay=10)", 10},
-        {"Demux1to4", "d(bus_io=yes)", "x< S<2 Y>4 ", "(bus_io=yes,delay=10)", 10},
-        {"Demux1to4", "d(bus_io=0,delay=4)", "x< y0> y1> y2> y3> s0< s1< ", "(bus_io=0,delay=4)", 4},
-    };
-    ComponentFactory factory;
-    for (const Row& r : rows) {
-        auto* c = dynamic_cast<SingleDelayComponent*>(factory.create(r.type, r.spec));
-        EXPECT_EQ(port_list(c), r.ports) << r.spec;
-        EXPECT_EQ(c->get_parameter_string(), r.parameters) << r.spec;
-        EXPECT_EQ(c->delay(), r.delay) << r.spec;
-    }
-}
-
 TEST(BuffersTest, ThreeStateBufTruthTable)
 {
     struct Row
@@ -79,20 +51,6 @@ TEST(BuffersTest, BusBufferEnablesReleasesAndUndefines)
         buf->evaluate(10);
         EXPECT_EQ(record_of(*buf->port("out")), std::string("10") + r.out + " ") << r.g;
     }
-}
-
-TEST(BuffersTest, DelayPassesEveryChangeOneDelayLater)
-{
-    PartHarness h;
-    Component* delay = h.part("Delay", "d(delay=5)");
-    Port* src = h.source("src");
-    h.net("in", {src, delay->port("in")});
-    Net* out = h.net("out", {delay->port("out")});
-    src->set(Value("L"), 0);
-    src->set(Value("H"), 10);
-    src->set(Value("L"), 12);
-    simulator()->simulate(100);
-    EXPECT_EQ(record_of(*out), "5L 15H 17L ");
 }
 
 TEST(BuffersTest, DemultiplexerInBothForms)

@@ -9,28 +9,6 @@
 #include <string>
 #include <vector>
 
-TEST(SourcesTest, FactoryRowsWithTheirDefaults)
-{
-    struct Row
-    {
-        const char* type;        // as a file names it
-        const char* ports;       // in order, see port_list
-        const char* parameters;  // the merged map
-    };
-    const Row rows[] = {
-        {"High", "out> ", ""},
-        {"Const", "out>8 ", "(size=8,value=ff)"},
-        {"Step", "out> ", "(delay=100,inverted=0)"},
-        {"Oscillator", "out> ", "(frequency=1000000,offset=0)"},
-    };
-    ComponentFactory factory;
-    for (const Row& r : rows) {
-        Component* c = factory.create(r.type, "S1");
-        EXPECT_EQ(port_list(c), r.ports) << r.type;
-        EXPECT_EQ(c->get_parameter_string(), r.parameters) << r.type;
-    }
-}
-
 TEST(SourcesTest, WaveformsWrittenByInit)
 {
     struct Row
@@ -69,15 +47,6 @@ TEST(SourcesTest, WaveformsWrittenByInit)
         EXPECT_EQ(record_of(*c->port("out")), r.want) << r.type << " " << r.spec << " up to " << r.end_time;
         c->reset();
         EXPECT_EQ(record_of(*c->port("out")), "") << r.type;
-    }
-}
-
-TEST(SourcesTest, OscillatorRefusesPeriodsBelowOneNanosecond)
-{
-    for (const char* frequency : {"2e9", "0", "-5"}) {
-        Oscillator osc("clk", ParaMap(std::string("(frequency=") + frequency + ")"));
-        const std::string message = error_of([&] { osc.init(100); });
-        EXPECT_EQ(message.rfind("Oscillator 'clk': a frequency of ", 0), 0u) << message;
     }
 }
 
@@ -125,32 +94,4 @@ TEST(SourcesTest, ConstNeedsSizeAndValue)
     for (const Row& r : rows) {
         EXPECT_EQ(error_of([&] { Const c("c", ParaMap(std::string(r.params))); }), r.message) << r.params;
     }
-    // A new map changes the value but not the port, which then refuses a value of another width.
-    Const c("c", ParaMap(std::string("(size=4,value=5)")));
-    c.set_parameters(ParaMap(std::string("(size=4,value=a)")));
-    c.init(0);
-    EXPECT_EQ(record_of(*c.port("out")), "0HLHL ");
-    c.set_parameters(ParaMap(std::string("(size=8,value=a)")));
-    EXPECT_THROW(c.init(0), Error);
-}
-
-TEST(SourcesTest, StepKeepsAnEventAtTheEndOfTheRun)
-{
-    PartHarness h;
-    h.part("Step", "go(delay=40)");
-    simulator()->reset(5000);
-    simulator()->simulate(10000);
-    EXPECT_EQ(simulator()->time(), 5000);
-}
-
-TEST(SourcesTest, LongOscillatorRunCostsTwoEntriesPerPeriod)
-{
-    // A 10 MHz clock over 10 ms: a hundred thousand periods, written at once.
-    Oscillator osc("clk", 1e7f, 0);
-    osc.init(10000000);
-    const auto& entries = osc.port("out")->entries();
-    ASSERT_EQ(entries.size(), 200002u);
-    EXPECT_EQ(entries.back().time, 10000050);
-    EXPECT_EQ(osc.port("out")->value(9999999), 'L');
-    EXPECT_EQ(osc.port("out")->value(10000000), 'H');
 }

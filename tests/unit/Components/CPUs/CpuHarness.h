@@ -1,9 +1,11 @@
 // A bare processor core on 64 KiB of RAM: the caller's side of the pin word, for the core tests.
-// `Core` names the core's state and descriptor types and its functions (see M6502Harness.h); the
-// pin word has the layout both cores share.
+// Both cores share the pin word's layout; M6502Core and W65C02Core give their functions one set of
+// names, so that one test runs over both.
 #ifndef MORVANE_TESTS_UNIT_CPUS_CPUHARNESS_H
 #define MORVANE_TESTS_UNIT_CPUS_CPUHARNESS_H
 
+#include "Core/Components/CPUs/MOS6502/m6502.h"
+#include "Core/Components/CPUs/W65C02/w65c02.h"
 #include "Core/Components/CPUs/cpu65.h"
 
 #include <algorithm>
@@ -17,17 +19,48 @@
 #include <utility>
 #include <vector>
 
+// clang-format off
+/// One core's functions under the names the harness calls.
+#define MORVANE_CPU_CORE(Core, prefix, text)                                                              \
+    struct Core                                                                                           \
+    {                                                                                                     \
+        using cpu_t = prefix##_t;                                                                         \
+        using desc_t = prefix##_desc_t;                                                                   \
+        static constexpr const char* name = text;                                                         \
+        static uint64_t init(cpu_t* c, const desc_t* d) { return prefix##_init(c, d); }                   \
+        static uint64_t tick(cpu_t* c, uint64_t pins) { return prefix##_tick(c, pins); }                  \
+        static void set(cpu_t* c, uint8_t a, uint8_t x, uint8_t y, uint8_t s, uint8_t p)                  \
+        { prefix##_set_a(c, a); prefix##_set_x(c, x); prefix##_set_y(c, y); prefix##_set_s(c, s); prefix##_set_p(c, p); } \
+        static void set_pc(cpu_t* c, uint16_t pc) { prefix##_set_pc(c, pc); }                             \
+        static void set_p(cpu_t* c, uint8_t p) { prefix##_set_p(c, p); }                                  \
+        static uint16_t pc(const cpu_t* c) { return prefix##_pc(c); }                                     \
+        static uint8_t regs(const cpu_t* c, int i)                                                        \
+        { return i == 0 ? prefix##_a(c) : i == 1 ? prefix##_x(c) : i == 2 ? prefix##_y(c) : i == 3 ? prefix##_s(c) : prefix##_p(c); } \
+    };
+MORVANE_CPU_CORE(M6502Core, m6502, "6502")
+MORVANE_CPU_CORE(W65C02Core, w65c02, "65C02")
+#undef MORVANE_CPU_CORE
+// clang-format on
+
 /// Where the self-checking test images lie: beside the source tree; a worktree one level deeper
 /// finds them one level further up.
 inline std::string testdata_dir()
 {
     for (const char* dir : {MORVANE_SOURCE_DIR "/../shared/testdata/6502/",
                             MORVANE_SOURCE_DIR "/../../shared/testdata/6502/"}) {
-        if (std::filesystem::is_directory(dir)) {
+        if (std::filesystem::is_directory(dir))
             return dir;
-        }
     }
     return MORVANE_SOURCE_DIR "/../shared/testdata/6502/";
+}
+
+/// Cycles as one text, separated by spaces.
+inline std::string joined(const std::vector<std::string>& cycles)
+{
+    std::string text;
+    for (const auto& c : cycles)
+        text += (text.empty() ? "" : " ") + c;
+    return text;
 }
 
 /// The fetch tick whose opcode an interrupt dropped (the tick before the first push), or 0, in the
@@ -35,37 +68,27 @@ inline std::string testdata_dir()
 inline int taken_at(const std::vector<std::string>& cycles)
 {
     for (size_t i = 0; i < cycles.size(); i++) {
-        if (cycles[i].rfind("W01", 0) == 0) {
+        if (cycles[i].rfind("W01", 0) == 0)
             return static_cast<int>(i);  // index i is tick i + 1; the fetch was the tick before
-        }
     }
     return 0;
 }
 
-/// How a test image ended.
-struct TrapResult
-{
-    uint16_t trap = 0;   // address of the self-loop, 0 if none was reached
-    uint64_t ticks = 0;  // ticks run
-    std::string recent;  // the last instructions, oldest first
-};
-
 template <class Core> class CpuHarness
 {
 public:
+    using core = Core;
     explicit CpuHarness(bool bcd_disabled = false) : _mem(0x10000, 0) { _desc.bcd_disabled = bcd_disabled; }
 
     typename Core::cpu_t cpu{};  // the core under test
     uint64_t pins{};             // pin word between ticks, inputs included
 
     uint8_t& mem(uint16_t addr) { return _mem[addr]; }
-    std::vector<uint8_t>& memory() { return _mem; }
 
     void load(uint16_t addr, std::initializer_list<uint8_t> bytes)
     {
-        for (uint8_t b : bytes) {
+        for (uint8_t b : bytes)
             _mem[addr++] = b;
-        }
     }
 
     /// Runs init and the seven reset ticks; the next tick fetches the opcode at `start`.
@@ -75,9 +98,8 @@ public:
         _mem[0xFFFD] = static_cast<uint8_t>(start >> 8);
         pins = Core::init(&cpu, &_desc);
         serve();
-        for (int i = 0; i < 7; i++) {
+        for (int i = 0; i < 7; i++)
             tick();
-        }
     }
 
     /// `code` at 0400 and the `data` bytes where they say, then init and the reset ticks up to the
@@ -86,19 +108,18 @@ public:
                         const std::vector<std::pair<uint16_t, uint8_t>>& data)
     {
         std::copy(code.begin(), code.end(), _mem.begin() + 0x0400);
-        for (const auto& [where, value] : data) {
+        for (const auto& [where, value] : data)
             _mem[where] = value;
-        }
         reset_to(0x0400);
     }
 
-    /// The registers for the instruction about to be fetched.
-    void set_registers(uint8_t a, uint8_t x, uint8_t y, uint8_t p)
+    /// A, X, Y, S and P in hexadecimal, as "a x y s p".
+    std::string registers() const
     {
-        Core::set_a(&cpu, a);
-        Core::set_x(&cpu, x);
-        Core::set_y(&cpu, y);
-        Core::set_p(&cpu, p);
+        char text[24];
+        std::snprintf(text, sizeof text, "%02X %02X %02X %02X %02X", Core::regs(&cpu, 0), Core::regs(&cpu, 1),
+                      Core::regs(&cpu, 2), Core::regs(&cpu, 3), Core::regs(&cpu, 4));
+        return text;
     }
 
     /// Puts a fetch at `addr` on the pins, with pc to match, as if a jump had just ended there.
@@ -124,11 +145,10 @@ public:
     {
         char text[16];
         const uint16_t addr = cpu65_get_addr(pins);
-        if (!(pins & cpu65_pin_rw)) {
+        if (!(pins & cpu65_pin_rw))
             std::snprintf(text, sizeof text, "W%04X=%02X", addr, cpu65_get_data(pins));
-        } else {
+        else
             std::snprintf(text, sizeof text, "%c%04X", (pins & cpu65_pin_sync) ? 'F' : 'R', addr);
-        }
         return text;
     }
 
@@ -139,9 +159,8 @@ public:
         for (int i = 0; i < max_ticks; i++) {
             tick();
             trace += " " + cycle();
-            if (pins & cpu65_pin_sync) {
+            if (pins & cpu65_pin_sync)
                 break;
-            }
         }
         return trace;
     }
@@ -175,66 +194,49 @@ public:
         return cycles;
     }
 
-    /// A test image from testdata_dir() at `load_addr`; false if it can't be read or doesn't fit.
-    bool load_image(const std::string& name, uint16_t load_addr)
+    /// A test image from testdata_dir() at 0000; false if it can't be read.
+    bool load_image(const std::string& name)
     {
         std::ifstream in(testdata_dir() + name, std::ios::binary);
         const std::vector<uint8_t> image((std::istreambuf_iterator<char>(in)),
                                          std::istreambuf_iterator<char>());
-        if (image.empty() || image.size() + load_addr > 0x10000) {
-            return false;
-        }
-        std::copy(image.begin(), image.end(), _mem.begin() + load_addr);
-        return true;
+        std::copy_n(image.begin(), std::min<size_t>(image.size(), 0x10000), _mem.begin());
+        return !image.empty();
     }
 
     /// Runs until an instruction fetches the next one at its own address (jmp *, bne * and the
-    /// like). One-tick NOPs fetch on consecutive ticks too, so only a fetch at the same address counts.
-    TrapResult run_to_trap(uint64_t max_ticks)
+    /// like); returns that address, 0 if none came within `max_ticks`. One-tick NOPs fetch on
+    /// consecutive ticks too, so only a fetch at the same address counts.
+    uint16_t run_to_trap(uint64_t max_ticks)
     {
-        constexpr int history = 16;
-        uint16_t fetched[history] = {};  // addresses of the last fetches, a ring
-        int next = 0;
         int prev_fetch = -1;
-        TrapResult result;
-        while (result.ticks < max_ticks) {
+        for (uint64_t t = 0; t < max_ticks; t++) {
             tick();
-            result.ticks++;
-            if (!(pins & cpu65_pin_sync)) {
+            if (!(pins & cpu65_pin_sync))
                 continue;
-            }
             const uint16_t addr = cpu65_get_addr(pins);
-            if (addr == prev_fetch) {
-                result.trap = addr;
-                break;
-            }
+            if (addr == prev_fetch)
+                return addr;
             prev_fetch = addr;
-            fetched[next] = addr;
-            next = (next + 1) % history;
         }
-        for (int i = 0; i < history; i++) {
-            const uint16_t addr = fetched[(next + i) % history];
-            char line[48];
-            std::snprintf(line, sizeof line, "  $%04X: %02X %02X %02X\n", addr, _mem[addr],
-                          _mem[static_cast<uint16_t>(addr + 1)], _mem[static_cast<uint16_t>(addr + 2)]);
-            result.recent += line;
-        }
-        return result;
+        return 0;
     }
 
 private:
     void serve()
     {
         const uint16_t addr = cpu65_get_addr(pins);
-        if (pins & cpu65_pin_rw) {
+        if (pins & cpu65_pin_rw)
             pins = cpu65_set_data(pins, _mem[addr]);
-        } else {
+        else
             _mem[addr] = cpu65_get_data(pins);
-        }
     }
 
     typename Core::desc_t _desc{};  // handed to the core's init
     std::vector<uint8_t> _mem;      // 64 KiB, the whole address space
 };
+
+using M6502Harness = CpuHarness<M6502Core>;
+using W65C02Harness = CpuHarness<W65C02Core>;
 
 #endif  // MORVANE_TESTS_UNIT_CPUS_CPUHARNESS_H

@@ -9,14 +9,6 @@
 #include <string>
 #include <vector>
 
-TEST(EpromTest, FactoryRow)
-{
-    ComponentFactory factory;
-    auto* rom = dynamic_cast<MC27C64*>(factory.create("27C64", "rom"));
-    EXPECT_EQ(port_list(rom), "A<13 D>8 _OE< _CS< ");
-    EXPECT_EQ(rom->delay(), 120);
-}
-
 TEST(EpromTest, TruthTable)
 {
     struct Row
@@ -80,17 +72,6 @@ TEST(EpromTest, AddressesWrapAtTheEndOfTheChip)
         EXPECT_EQ(log.lines[0], r.message) << r.parameters;
         h.root.set_simlog(nullptr);
     }
-}
-
-TEST(EpromTest, ResetForgetsAndInitLoadsAgain)
-{
-    PartHarness h;
-    auto* rom = dynamic_cast<MC27C64*>(h.part("27C64", "rom(cells=1fff:5a)"));
-    EXPECT_EQ(rom->read(0x1fff), "LHLHHLHL");
-    rom->write(3, Value("HHHHHHHH"));
-    simulator()->reset(100);
-    EXPECT_EQ(rom->read(3), "uuuuuuuu");
-    EXPECT_EQ(rom->read(0x1fff), "LHLHHLHL");
 }
 
 TEST(EpromTest, AddressPulseShorterThanTheAccessTimeReachesTheOutputWhole)

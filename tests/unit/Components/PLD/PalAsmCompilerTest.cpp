@@ -126,28 +126,6 @@ TEST(PalAsmCompilerTest, MessagesWithTheirLines)
         EXPECT_EQ(compile_error(row.source), row.want) << row.source;
 }
 
-TEST(PalAsmCompilerTest, TokensOfAProgram)
-{
-    ATF22V10C device("u1", 10);
-    PldTokens tokens;
-    PalAsmCompiler(device).tokenize(" dev ; c\n\tname\nClk   A1\tB1\n/OE Q1\nQ1 . R . E =A1*B\n1+\nC1 ; c\n"
-                                    "DESCRIPTION\n one ; two\n;\n three\n",
-                                    tokens);
-    EXPECT_EQ(tokens.device_name, "dev");
-    EXPECT_EQ(tokens.instance_name, "name");
-    ASSERT_EQ(tokens.input_pins.size(), 2u);
-    EXPECT_EQ(tokens.input_pins[1], "A1\tB1");
-    ASSERT_EQ(tokens.equations.size(), 1u);
-    const Equation& e = tokens.equations[0];
-    EXPECT_EQ(e.name + "." + e.suffix, "Q1.RE");
-    EXPECT_EQ(e.line, 5);
-    std::string symbols;
-    for (const EquationSymbol& s : e.symbols)
-        symbols += s.text + "@" + std::to_string(s.line) + " ";
-    EXPECT_EQ(symbols, "A1@5 *@5 B1@6 +@6 C1@7 ");
-    EXPECT_EQ(tokens.description, "onethree");
-}
-
 TEST(PalAsmCompilerTest, ProductTermsCountedOnTheTreeThatRemains)
 {
     struct Row
@@ -164,17 +142,4 @@ TEST(PalAsmCompilerTest, ProductTermsCountedOnTheTreeThatRemains)
         EXPECT_EQ(device.combinatorial_olmcs()[0]->input_expression()->count_product_terms(), row.terms)
             << row.right_side;
     }
-}
-
-TEST(PalAsmCompilerTest, DefaultProgramMakesTheCounter)
-{
-    ATF22V10C device("cnt", ATF22V10C::default_parameters());
-    std::string ports;
-    for (Port* p : device.ports())
-        ports += p->name() + (p->dir() == Morvane::Input ? "< " : "> ");
-    EXPECT_EQ(ports, "Clock< D0< D1< D2< D3< Set< Clear< _OE< Q3> Q2> Q1> Q0> ");
-    EXPECT_EQ(device.register_olmcs().size(), 4u);
-    EXPECT_EQ(device.clk(), device.pin("Clock"));
-    EXPECT_EQ(device.program().device_name, "GAL22V10");
-    EXPECT_EQ(device.program().instance_name, "cnt");
 }
