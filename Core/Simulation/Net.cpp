@@ -8,7 +8,6 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <optional>
 #include <string>
 
 using Morvane::BitState;
@@ -410,27 +409,39 @@ void Net::_update(int time, Visited* given)
     Value resolved(static_cast<int>(size()));
     // The fast path gives up on any inout port, so when it succeeds no net is tied to this one, and
     // the walk over tied nets needs no set of visited ones.
-    bool tied = false;
-    std::optional<Visited> fresh;
-    if (!_compute_value_fast(time, resolved)) {
-        if (given == nullptr)
-            given = &fresh.emplace();
-        Visited& visited = *given;
-        bool own = false;
-        if (visited.group_value != nullptr && visited.group_stamp == Port::nof_stores()) {
-            // A net of the group has just resolved it, and no port has stored anything since: the
-            // same drivers give the same letters.
-            std::memcpy(resolved.letters(), visited.group_value->c_str(), size());
-        } else if (_compute_value_tied(time, resolved, &own)) {
-            // Only what the ports hold went in, so it holds while no port stores anything.
-            visited.group_value = own ? &resolved : nullptr;
-            visited.group_stamp = Port::nof_stores();
-        } else {
-            for (unsigned bit = 0; bit < size(); ++bit)
-                resolved[bit] = Morvane::letter(_compute_bit_value(bit, time));
-        }
-        tied = std::any_of(_ports.begin(), _ports.end(), [](Port* p) { return p->dir() == Inout; });
+    if (_compute_value_fast(time, resolved)) {
+        _record_and_tell(time, resolved, nullptr);
+        return;
     }
+    if (given != nullptr) {
+        _update_slowly(time, resolved, *given);
+        return;
+    }
+    Visited fresh;
+    _update_slowly(time, resolved, fresh);
+}
+
+void Net::_update_slowly(int time, Value& resolved, Visited& visited)
+{
+    bool own = false;
+    if (visited.group_value != nullptr && visited.group_stamp == Port::nof_stores()) {
+        // A net of the group has just resolved it, and no port has stored anything since: the
+        // same drivers give the same letters.
+        std::memcpy(resolved.letters(), visited.group_value->c_str(), size());
+    } else if (_compute_value_tied(time, resolved, &own)) {
+        // Only what the ports hold went in, so it holds while no port stores anything.
+        visited.group_value = own ? &resolved : nullptr;
+        visited.group_stamp = Port::nof_stores();
+    } else {
+        for (unsigned bit = 0; bit < size(); ++bit)
+            resolved[bit] = Morvane::letter(_compute_bit_value(bit, time));
+    }
+    bool tied = std::any_of(_ports.begin(), _ports.end(), [](Port* p) { return p->dir() == Inout; });
+    _record_and_tell(time, resolved, tied ? &visited : nullptr);
+}
+
+void Net::_record_and_tell(int time, const Value& resolved, Visited* tied_walk)
+{
     // A window keeps no repeated value, and the inputs that listen hold it already. Outputs behind
     // the net (a sub-circuit's) still hear it: each passes it on to a net outside, as it always did.
     bool repeated = window() != full_history && _repeats_last(resolved, time);
@@ -439,9 +450,9 @@ void Net::_update(int time, Visited* given)
         _set(resolved, time);
     }
 
-    if (tied) {
-        given->insert(this);
-        _update_connected_nets(time, *given);
+    if (tied_walk != nullptr) {
+        tied_walk->insert(this);
+        _update_connected_nets(time, *tied_walk);
     }
 
     // A net with many listeners reaches ports all over memory; fetching a few ahead overlaps the misses.

@@ -134,6 +134,11 @@ public:
 private:
     /// update, with the set of the walk it is part of, or none for the first net.
     void _update(int time, Visited* given);
+    /// The rest of an update that the one-pass resolution of a lone net couldn't take.
+    void _update_slowly(int time, Value& resolved, Visited& visited);
+    /// Records the resolved value and hands it on: to the tied nets, walking on with `tied_walk`
+    /// if there are any, then to the listening ports.
+    void _record_and_tell(int time, const Value& resolved, Visited* tied_walk);
     Value _narrowed_value(int time, const Port* port) const;
     /// All bits in one pass over the ports; false, having recorded nothing, where tied nets or pin
     /// specs need the bit-by-bit walk.

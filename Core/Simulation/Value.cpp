@@ -49,11 +49,6 @@ bool is_undefined_like(char c)
 
 static_assert(sizeof(Value) == 32, "a value and its letters fill half a cache line");
 
-Value::Value(int width) : _size(wrap_width(static_cast<std::size_t>(width)))
-{
-    _init_after_size_change();
-}
-
 void Value::_copy_to_heap(const Value& other)
 {
     _dynamic_array = new char[_size + 1];

@@ -24,7 +24,16 @@ class Value
 {
 public:
     /// width bits, all u.
-    explicit Value(int width = 0);
+    explicit Value(int width = 0) : _size(static_cast<std::uint8_t>(width))
+    {
+        // In line: every update of a net starts from one.
+        if (_dynamic_alloc(_size)) {
+            _init_after_size_change();
+            return;
+        }
+        std::memset(_small_array, 'u', small_capacity);
+        _small_array[_size] = '\0';
+    }
     Value(const Value& other) : _size(other._size)
     {
         // A copy takes the store its width needs, whatever store the source kept after a truncation.
