@@ -10,7 +10,9 @@
 # MUTATION_DIR holds the scratch tree and its build (default build/mutation in the checkout). The
 # build is Release without sanitizers, with shared libraries and lld, and is kept between faults and
 # between runs: a fault costs one compile, quick links and the suite, which stops at its first
-# failure. baseline.txt, after.txt and merged.txt beside this script are results of earlier runs.
+# failure. The .txt files beside this script are results of earlier runs: baseline.txt, after.txt and
+# merged.txt before the suite was made lean, after-core.txt and after-components.txt of its two
+# halves on their branches, final.txt of the whole list on the lean suite.
 set -euo pipefail
 
 # The whole run is one function, read before it starts, so that editing this file mid-run is safe.
