@@ -23,7 +23,7 @@ std::uint64_t Net::_connections_version = 1;
 
 Net::Net(int width) : Net("", width) {}
 
-Net::Net(const std::string& name, int width) : BaseObject(name), ValueHistory(static_cast<unsigned>(width)) {}
+Net::Net(const std::string& name, int width) : ValueHistory(static_cast<unsigned>(width)), BaseObject(name) {}
 
 Net::~Net()
 {

@@ -19,11 +19,19 @@
 
 class Port;
 
+/// What an update reads of a net besides its history. A base of Net, so that it lies in the object
+/// right behind the history, ahead of the name and the comment.
+struct NetWiring
+{
+    std::vector<Port*> _ports;                         // in order of attaching, both sides; not owned
+    std::map<const Port*, const PinSpec*> _pin_specs;  // ports that cover only some bits: which ones
+};
+
 /// On every update the net gathers, bit by bit, what each attached port drives, resolves it, records
 /// the result and hands it to the ports that listen (inputs on their outside, outputs on their inside).
 /// Nets tied together by an inout port are one electrical node: drivers are gathered through the
 /// port and an update passes across. A port narrower than the net covers the bits its pin spec names.
-class Net : public BaseObject, public ValueHistory, public CommentableObject
+class Net : public ValueHistory, private NetWiring, public BaseObject, public CommentableObject
 {
 public:
     /// A width of 0 lets the first port attached decide it.
@@ -151,10 +159,8 @@ private:
     /// can't take it.
     bool _find_tied_group();
 
-    std::vector<Port*> _ports;                         // in order of attaching, both sides; not owned
-    std::map<const Port*, const PinSpec*> _pin_specs;  // ports that cover only some bits: which ones
-    std::set<PinSpec*> _owned_pin_specs;               // specs this net made and frees
-    std::function<void(Net*)> _destruction_callback;   // told when the net dies; may be empty
+    std::set<PinSpec*> _owned_pin_specs;              // specs this net made and frees
+    std::function<void(Net*)> _destruction_callback;  // told when the net dies; may be empty
 
     // The connections stand still during a run: the group of tied nets is found once.
     std::vector<Net*> _tied_group;          // this net, then the nets tied to it

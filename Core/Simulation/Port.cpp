@@ -17,21 +17,18 @@ using Morvane::Output;
 using Morvane::Outside;
 
 Port::Port(int size, Dir dir, const std::string& name, Component* component)
-    : BaseObject(name),
-      ValueHistory(static_cast<unsigned>(size)),
-      _dir(dir),
-      _component(component)
+    : ValueHistory(static_cast<unsigned>(size)),
+      PortWiring{dir, component},
+      BaseObject(name)
 {
     _mark_as_port();
 }
 
 Port::Port(Port* source, Component* component)
-    : BaseObject(source),
-      CommentableObject(source->comment_text()),
-      ValueHistory(source->size()),
-      _dir(source->_dir),
-      _component(component),
-      _z_translation(source->_z_translation)
+    : ValueHistory(source->size()),
+      PortWiring{source->_dir, component, nullptr, nullptr, source->_z_translation},
+      BaseObject(source),
+      CommentableObject(source->comment_text())
 {
     _mark_as_port();
 }

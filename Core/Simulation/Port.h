@@ -14,6 +14,17 @@
 class Component;
 class ParaMap;
 
+/// What the event path reads of a port besides its history. A base of Port, so that it lies in the
+/// object right behind the history, in the same cache lines, ahead of the name and the comment.
+struct PortWiring
+{
+    Morvane::Dir _dir;            // as seen from the owner
+    Component* _component;        // owner; null when made by a factory
+    Net* _outside_net = nullptr;  // in the holding circuit; not owned
+    Net* _inside_net = nullptr;   // within a sub-circuit or behind an inout pin; not owned
+    bool _z_translation = true;   // z read from a net is handed on as U
+};
+
 /// Remembers every value it was given, and by its direction decides which nets it drives and which
 /// it hears. The outside net lies in the circuit that holds the component; the inside net exists
 /// for a sub-circuit's own port and for an inout pin.
@@ -25,7 +36,7 @@ class ParaMap;
 ///   with an inside net only, its own history once a stimulus was set.
 /// Bits read from a net as z come out as U unless z translation is off, so an undriven input reads
 /// as undefined.
-class Port : public BaseObject, public CommentableObject, public ValueHistory
+class Port : public ValueHistory, private PortWiring, public BaseObject, public CommentableObject
 {
 public:
     Port(int size, Morvane::Dir dir, const std::string& name, Component* component);
@@ -120,12 +131,6 @@ private:
     Value _inout_value(int time);
 
     static std::uint64_t _nof_stores;  // see nof_stores
-
-    Morvane::Dir _dir;            // as seen from the owner
-    Component* _component;        // owner; null when made by a factory
-    Net* _outside_net = nullptr;  // in the holding circuit; not owned
-    Net* _inside_net = nullptr;   // within a sub-circuit or behind an inout pin; not owned
-    bool _z_translation = true;   // z read from a net is handed on as U
 };
 
 /// A one-bit port.
