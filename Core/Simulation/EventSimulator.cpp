@@ -142,6 +142,9 @@ void EventSimulator::simulate(int end_time)
         _simulate_once(end_time);
         return;
     }
+    // A caller that ran once and keeps slots from now on finds the ring's slots in the map.
+    if (_wheel_running)
+        _empty_wheel();
 
     // Slots stay in the map once run, so a second call starts from the first again; unless the
     // caller gave up replay, when each goes as soon as it has run. The map may grow behind the
