@@ -17,7 +17,7 @@ class Circuit;
 /// Owns its ports and parameters and listens to its inputs: a port that is an Input when it is
 /// added is subscribed to, so every change on it reaches port_changed_value. The event engine
 /// calls evaluate (or evaluate_port) at the time the part asked for.
-class Component : public BaseObject, public CommentableObject, public ValueChangeSubscriber
+class Component : public ValueChangeSubscriber, public BaseObject, public CommentableObject
 {
 public:
     /// The type name is class_to_type_name(class_name).
