@@ -155,6 +155,29 @@ void ActionList::clear()
     _indexed = false;
 }
 
+bool ActionList::link(ActionStore& store, std::uint32_t id)
+{
+    ActionRecord& record = store[id];
+    record.next = ActionRecord::none;
+    std::size_t hash = hash_of(record.target, record.port);
+    std::uint64_t& filter_word = _filter[(hash >> 60) & (filter_words - 1)];
+    std::uint64_t filter_bit = std::uint64_t{1} << ((hash >> 54) & 63);
+    if ((filter_word & filter_bit) != 0) {
+        // Rare: the value is built only to be compared.
+        if (!store.is_net_action(id)) {
+            if (_contains(store, record.target, record.port, nullptr, hash))
+                return false;
+        } else {
+            Value value = store.value(id);
+            if (_contains(store, record.target, record.port, &value, hash))
+                return false;
+        }
+    }
+    filter_word |= filter_bit;
+    _append(store, id, hash);
+    return true;
+}
+
 bool ActionList::_contains(const ActionStore& store, void* target, Port* port, const Value* value,
                            std::size_t hash)
 {

@@ -149,17 +149,12 @@ public:
         if ((filter_word & filter_bit) != 0 && _contains(store, target, port, value, hash))
             return false;
         filter_word |= filter_bit;
-        std::uint32_t id = store.add(target, port, value);
-        if (_last == ActionRecord::none)
-            _first = id;
-        else
-            store[_last].next = id;
-        _last = id;
-        ++_count;
-        if (_indexed)
-            _index_added(store, id, hash);
+        _append(store, store.add(target, port, value), hash);
         return true;
     }
+    /// Appends a record of the store that is in no list, unless an equal action is in this one;
+    /// true if appended. A request kept aside joins its slot this way, as if requested then.
+    bool link(ActionStore& store, std::uint32_t id);
     std::uint32_t first() const { return _first; }
     std::size_t size() const { return _count; }
     bool empty() const { return _count == 0; }
@@ -186,6 +181,17 @@ private:
         return static_cast<std::size_t>(seed ^ (seed >> 32));
     }
     bool _contains(const ActionStore& store, void* target, Port* port, const Value* value, std::size_t hash);
+    void _append(ActionStore& store, std::uint32_t id, std::size_t hash)
+    {
+        if (_last == ActionRecord::none)
+            _first = id;
+        else
+            store[_last].next = id;
+        _last = id;
+        ++_count;
+        if (_indexed)
+            _index_added(store, id, hash);
+    }
     void _index_added(const ActionStore& store, std::uint32_t id, std::size_t hash);
     void _build_index(const ActionStore& store, std::size_t buckets);
     void _index_record(std::uint32_t id, std::size_t hash);

@@ -8,6 +8,7 @@
 #include "Core/Support/Error.h"
 #include "Core/Support/TLog.h"
 
+#include <algorithm>
 #include <map>
 #include <vector>
 
@@ -121,6 +122,8 @@ void EventSimulator::reset(int end_time)
         word = 0;
     _actions.clear();
     _current = _actions.end();
+    _far.clear();
+    _far_open = true;
     _kept.clear();
     _same_time_actions.clear();
     _same_time_store.clear();
@@ -142,9 +145,17 @@ void EventSimulator::simulate(int end_time)
         _simulate_once(end_time);
         return;
     }
-    // A caller that ran once and keeps slots from now on finds the ring's slots in the map.
+    // A caller that ran once and keeps slots from now on finds the ring's slots in the map, and so
+    // are the far queue's; while the map is walked, every request goes there.
     if (_wheel_running)
         _empty_wheel();
+    _far_to_map();
+    struct Reopen
+    {
+        bool& open;
+        ~Reopen() { open = true; }
+    } reopen{_far_open};
+    _far_open = false;
 
     // Slots stay in the map once run, so a second call starts from the first again; unless the
     // caller gave up replay, when each goes as soon as it has run. The map may grow behind the
@@ -170,9 +181,10 @@ void EventSimulator::_simulate_once(int end_time)
     // The wheel starts again at the earliest slot: requests between two calls may lie before it.
     _empty_wheel();
     _current = _actions.end();
-    if (_actions.empty())
+    int first = 0;
+    if (!_earliest_time(first))
         return;
-    _wheel_base = _actions.begin()->first;
+    _wheel_base = first;
     _wheel_running = true;
     _fill_wheel();
     int time = 0;
@@ -182,9 +194,9 @@ void EventSimulator::_simulate_once(int end_time)
             // the slots asked for a past time are gone.
             _fill_wheel();
             if (_wheel_bits_empty()) {
-                if (_actions.empty())
+                if (!_earliest_time(first))
                     return;
-                _wheel_base = _actions.begin()->first;
+                _wheel_base = first;
                 _fill_wheel();
             }
             continue;
@@ -206,9 +218,36 @@ void EventSimulator::_simulate_once(int end_time)
     }
 }
 
+bool EventSimulator::_earliest_time(int& time) const
+{
+    if (_actions.empty() && _far.empty())
+        return false;
+    if (_far.empty())
+        time = _actions.begin()->first;
+    else if (_actions.empty())
+        time = _far.front().time;
+    else
+        time = std::min(_actions.begin()->first, _far.front().time);
+    return true;
+}
+
 void EventSimulator::_fill_wheel()
 {
-    while (!_actions.empty() && _actions.begin()->first < _wheel_base + wheel_size) {
+    std::int64_t limit = _wheel_base + wheel_size;
+    // A slot takes the far queue's requests ahead of the map's, as they were asked for first.
+    while (!_far.empty() && _far.front().time < limit) {
+        FarQueue::Entry entry = _far.front();
+        _far.pop_front();
+        if (entry.time < _wheel_base) {
+            _kept.release(entry.id);
+            continue;
+        }
+        unsigned bucket = static_cast<unsigned>(entry.time) & (wheel_size - 1);
+        if (!_wheel[bucket].link(_kept, entry.id))
+            _kept.release(entry.id);
+        _wheel_bits[bucket / 64] |= std::uint64_t{1} << (bucket % 64);
+    }
+    while (!_actions.empty() && _actions.begin()->first < limit) {
         auto first = _actions.begin();
         CachedSlot& cached = _slot_cache[static_cast<unsigned>(first->first) & (slot_cache_size - 1)];
         if (cached.time == first->first)
@@ -217,8 +256,12 @@ void EventSimulator::_fill_wheel()
             _kept.release(first->second.first());
         } else {
             unsigned bucket = static_cast<unsigned>(first->first) & (wheel_size - 1);
-            _wheel[bucket] = std::move(first->second);
-            _wheel_bits[bucket / 64] |= std::uint64_t{1} << (bucket % 64);
+            std::uint64_t bit = std::uint64_t{1} << (bucket % 64);
+            if ((_wheel_bits[bucket / 64] & bit) != 0)
+                _relink(first->second.first(), _wheel[bucket]);
+            else
+                _wheel[bucket] = std::move(first->second);
+            _wheel_bits[bucket / 64] |= bit;
         }
         _actions.erase(first);
     }
@@ -258,6 +301,31 @@ void EventSimulator::_empty_wheel()
         _actions.emplace(time, std::move(_wheel[bucket]));
         _wheel[bucket].clear();
         _wheel_bits[bucket / 64] &= ~(std::uint64_t{1} << (bucket % 64));
+    }
+}
+
+void EventSimulator::_relink(std::uint32_t first, ActionList& slot)
+{
+    for (std::uint32_t id = first; id != ActionRecord::none;) {
+        std::uint32_t next = _kept[id].next;
+        if (!slot.link(_kept, id))
+            _kept.release(id);
+        id = next;
+    }
+}
+
+void EventSimulator::_far_to_map()
+{
+    while (!_far.empty()) {
+        int time = _far.front().time;
+        ActionList merged;
+        for (; !_far.empty() && _far.front().time == time; _far.pop_front()) {
+            if (!merged.link(_kept, _far.front().id))
+                _kept.release(_far.front().id);
+        }
+        ActionList& slot = _slot(time);
+        _relink(slot.first(), merged);
+        slot = std::move(merged);
     }
 }
 
@@ -373,23 +441,27 @@ void EventSimulator::_print_components_to_evaluate() const
          id = _same_time_store[id].next)
         print_action(log, "  ", _same_time_store, id);
     log("- Future actions:");
-    auto print_slot = [&](int time, const ActionList& slot) {
-        log("  t=%d:", time);
+    // Every queue's records lie in the one store: gathered by time, the far queue's first in a slot.
+    std::map<int, std::vector<std::uint32_t>> by_time;
+    for (const FarQueue::Entry& entry : _far)
+        by_time[entry.time].push_back(entry.id);
+    auto gather = [&](int time, const ActionList& slot) {
         for (std::uint32_t id = slot.first(); id != ActionRecord::none; id = _kept[id].next)
-            print_action(log, "    ", _kept, id);
+            by_time[time].push_back(id);
     };
-    // In time order: the map's slots before the wheel, the wheel's, the map's after it.
-    auto far = _actions.begin();
-    for (; far != _actions.end() && _wheel_running && far->first < _wheel_base; ++far)
-        print_slot(far->first, far->second);
+    for (const auto& [time, slot] : _actions)
+        gather(time, slot);
     for (unsigned ahead = 0; _wheel_running && ahead < wheel_size; ++ahead) {
         auto time = static_cast<int>(_wheel_base + ahead);
         unsigned bucket = static_cast<unsigned>(time) & (wheel_size - 1);
         if ((_wheel_bits[bucket / 64] >> (bucket % 64)) & 1)
-            print_slot(time, _wheel[bucket]);
+            gather(time, _wheel[bucket]);
     }
-    for (; far != _actions.end(); ++far)
-        print_slot(far->first, far->second);
+    for (const auto& [time, ids] : by_time) {
+        log("  t=%d:", time);
+        for (std::uint32_t id : ids)
+            print_action(log, "    ", _kept, id);
+    }
 }
 
 EventSimulator* simulator(Circuit& circuit)

@@ -4,6 +4,7 @@
 
 #include "Core/Simulation/ActionList.h"
 #include "Core/Simulation/EvalAction.h"
+#include "Core/Simulation/FarQueue.h"
 
 #include <climits>
 #include <cstddef>
@@ -100,10 +101,24 @@ private:
             unsigned bucket = static_cast<unsigned>(time) & (wheel_size - 1);
             _wheel[bucket].push(_kept, target, port, value);
             _wheel_bits[bucket / 64] |= std::uint64_t{1} << (bucket % 64);
+        } else if (_far_open && _far_takes(time)) {
+            _far.push(time, _kept.add(target, port, value));
         } else {
             _slot(time).push(_kept, target, port, value);
         }
     }
+    /// Whether a request for `time` may wait in the far queue: whatever the map holds for that time
+    /// was then asked for later, so that a slot takes the far queue's requests first.
+    bool _far_takes(int time) const
+    {
+        if (!_far.empty())
+            return _far.takes(time);
+        return _actions.empty() || time > _actions.rbegin()->first;
+    }
+    /// Moves the far queue's requests into the map, each slot's ahead of what the map held for it.
+    void _far_to_map();
+    /// Appends the records linked from `first` on to `slot`, dropping those equal to one in it.
+    void _relink(std::uint32_t first, ActionList& slot);
     bool _in_wheel(int time) const
     {
         return static_cast<std::uint64_t>(static_cast<std::int64_t>(time) - _wheel_base) < wheel_size;
@@ -118,9 +133,11 @@ private:
     ActionList& _find_slot(int time);
     /// simulate for a caller that keeps no finished slot: the near future in the wheel.
     void _simulate_once(int end_time);
-    /// Moves the slots of the map that the wheel now covers into it; drops those before it, which
-    /// were asked for a time already past and would never run.
+    /// Moves the requests of the far queue and the slots of the map that the wheel now covers into
+    /// it; drops those before it, which were asked for a time already past and would never run.
     void _fill_wheel();
+    /// The earliest time of the map and the far queue, or false when both are empty.
+    bool _earliest_time(int& time) const;
     /// The earliest time in the wheel, or false when it is empty.
     bool _next_wheel_time(int& time) const;
     bool _wheel_bits_empty() const
@@ -144,7 +161,9 @@ private:
     Circuit* _circuit;                                // the root circuit
     std::map<int, ActionList> _actions;               // future queue by time; run slots stay unless dropped
     std::map<int, ActionList>::iterator _current;     // the slot being run
-    ActionStore _kept;                                // the actions of all slots of _actions
+    ActionStore _kept;                                // the actions of all slots, the far queue's too
+    FarQueue _far;                                    // requests in ascending time not yet in a slot
+    bool _far_open = true;                            // requests may go to _far; not while a kept run runs
     ActionStore _same_time_store;                     // the actions of the same-time list
     ActionList _same_time_actions;                    // actions requested for the running time
     CachedSlot _slot_cache[slot_cache_size] = {};     // by time modulo the size

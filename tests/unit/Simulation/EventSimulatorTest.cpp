@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -164,9 +165,11 @@ TEST_F(EventSimulatorTest, FinishedSlotsDroppedRunAsKeptOnesAndReuseTheirStore)
 TEST_F(EventSimulatorTest, SingleRunsReachSlotsFarAheadInTheOrderOfKeptRuns)
 {
     // Slots far beyond the near window, slots asked for from there, an equal request, a request for
-    // a time already past, and a run that stops and goes on: the order is that of a kept run.
+    // a time already past, and a run that stops and goes on: the order is that of a kept run. Before
+    // the run, requests in ascending time wait in a queue of their own, the others in slots.
     Probe* a = probe("a");
     Probe* b = probe("b");
+    Probe* c = probe("c");
     a->on_evaluate = [&](int t) {
         if (t == 5000 || t == 9000)
             return;
@@ -179,8 +182,9 @@ TEST_F(EventSimulatorTest, SingleRunsReachSlotsFarAheadInTheOrderOfKeptRuns)
         sim->reset(0);
         log.clear();
         sim->set_keep_finished_slots(keep);
-        for (int t : {9000, 2000, 5000, 3})
-            sim->request_evaluation(t, a, nullptr);
+        for (auto [t, p] : std::vector<std::pair<int, Probe*>>{
+                 {3, a}, {9000, a}, {9000, b}, {12000, a}, {9000, c}, {9000, a}, {2000, a}, {5000, a}})
+            sim->request_evaluation(t, p, nullptr);
         // A kept run would replay the first part in a second call; a single run goes on.
         if (!keep)
             sim->simulate(3503);
@@ -188,6 +192,9 @@ TEST_F(EventSimulatorTest, SingleRunsReachSlotsFarAheadInTheOrderOfKeptRuns)
         return log;
     };
     Log kept = run(true);
+    auto at_9000 = std::find(kept.begin(), kept.end(), "a@9000");
+    ASSERT_GE(std::distance(at_9000, kept.end()), 3);
+    EXPECT_EQ(Log(at_9000, at_9000 + 3), (Log{"a@9000", "b@9000", "c@9000"}));
     EXPECT_EQ(kept.back(), "b@19504");
     EXPECT_EQ(std::count(kept.begin(), kept.end(), "b@2"), 0);
     EXPECT_EQ(run(false), kept);
