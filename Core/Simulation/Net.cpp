@@ -150,6 +150,36 @@ void Net::collect_connected_nets(std::set<Net*>& nets)
     }
 }
 
+void Net::_sort_roles()
+{
+    _roles_version = _connections_version;
+    _drivers.clear();
+    _inouts.clear();
+    _listeners.clear();
+    _outputs_listen = false;
+    for (Port* port : _ports) {
+        switch (port->dir()) {
+        case Inout:
+            _inouts.push_back(port);
+            continue;
+        case Input:
+            if (port->net(Inside) == this)
+                _drivers.push_back(port);
+            if (port->net(Outside) == this)
+                _listeners.push_back(port);
+            continue;
+        case Output:
+            if (port->net(Outside) == this)
+                _drivers.push_back(port);
+            if (port->net(Inside) == this) {
+                _listeners.push_back(port);
+                _outputs_listen = true;
+            }
+            continue;
+        }
+    }
+}
+
 Value Net::_narrowed_value(int time, const Port* port) const
 {
     auto it = _pin_specs.find(port);
@@ -299,20 +329,13 @@ bool Net::_compute_value_fast(int time, Value& out)
     // each driver once gives the counts, and the first error, of the bit-by-bit walk.
     if (!_pin_specs.empty())
         return false;
-    Port* drivers[few_drivers];
-    std::size_t nof_drivers = 0;
-    std::size_t i = 0;
-    for (; i < _ports.size() && nof_drivers < few_drivers; ++i) {
-        Port* port = _ports[i];
-        if (port->dir() == Inout)
-            return false;
-        if (port->drives(this))
-            drivers[nof_drivers++] = port;
-    }
+    _know_roles();
+    if (!_inouts.empty())
+        return false;
     unsigned width = size();
-    if (i == _ports.size() && nof_drivers == 1) {
+    if (_drivers.size() == 1) {
         // The common net: one driver, whose letters resolve one by one.
-        Port* driver = drivers[0];
+        Port* driver = _drivers[0];
         if (driver->size() != width)
             return false;
         auto resolve = [&out, width](const char* letters) {
@@ -334,16 +357,8 @@ bool Net::_compute_value_fast(int time, Value& out)
     std::memset(counts, 0, width * sizeof(BitDrivers));
     unsigned counted = 0;
     bool own = true;
-    auto record = [&](Port* port) { return record_port(counts, port, time, width, counted, own); };
-    for (std::size_t d = 0; d < nof_drivers; ++d) {
-        if (!record(drivers[d]))
-            return false;
-    }
-    for (; i < _ports.size(); ++i) {
-        Port* port = _ports[i];
-        if (port->dir() == Inout)
-            return false;
-        if (port->drives(this) && !record(port))
+    for (Port* driver : _drivers) {
+        if (!record_port(counts, driver, time, width, counted, own))
             return false;
     }
     resolve_counts(counts, width, out);
@@ -392,8 +407,14 @@ bool Net::_compute_value_tied(int time, Value& out, bool* drivers_own)
     std::memset(counts, 0, width * sizeof(BitDrivers));
     unsigned counted = 0;
     bool own = true;
+    // The counts don't depend on the order of the drivers, nor does the one error.
     for (Net* net : _tied_group) {
-        for (Port* port : net->_ports) {
+        net->_know_roles();
+        for (Port* port : net->_drivers) {
+            if (!record_port(counts, port, time, width, counted, own))
+                return false;
+        }
+        for (Port* port : net->_inouts) {
             if (port->drives(net) && !record_port(counts, port, time, width, counted, own))
                 return false;
         }
@@ -436,8 +457,8 @@ void Net::_update_slowly(int time, Value& resolved, Visited& visited)
         for (unsigned bit = 0; bit < size(); ++bit)
             resolved[bit] = Morvane::letter(_compute_bit_value(bit, time));
     }
-    bool tied = std::any_of(_ports.begin(), _ports.end(), [](Port* p) { return p->dir() == Inout; });
-    _record_and_tell(time, resolved, tied ? &visited : nullptr);
+    _know_roles();
+    _record_and_tell(time, resolved, _inouts.empty() ? nullptr : &visited);
 }
 
 void Net::_record_and_tell(int time, const Value& resolved, Visited* tied_walk)
@@ -455,18 +476,19 @@ void Net::_record_and_tell(int time, const Value& resolved, Visited* tied_walk)
         _update_connected_nets(time, *tied_walk);
     }
 
+    if (repeated && !_outputs_listen)
+        return;
     // A net with many listeners reaches ports all over memory; fetching a few ahead overlaps the misses.
     constexpr std::size_t ahead = 4;
-    for (std::size_t i = 0; i < _ports.size(); ++i) {
-        if (i + ahead < _ports.size()) {
-            const char* next = reinterpret_cast<const char*>(_ports[i + ahead]);
+    std::size_t n = _listeners.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        if (i + ahead < n) {
+            const char* next = reinterpret_cast<const char*>(_listeners[i + ahead]);
             for (int line = 0; line < 4; ++line)
                 __builtin_prefetch(next + 64 * line);
         }
-        Port* port = _ports[i];
-        Morvane::Dir dir = port->dir();
-        if ((dir == Input && !repeated && port->net(Outside) == this) ||
-            (dir == Output && port->net(Inside) == this))
+        Port* port = _listeners[i];
+        if (!repeated || port->dir() == Output)
             port->set(resolved, time);
     }
 }

@@ -25,6 +25,13 @@ struct NetWiring
 {
     std::vector<Port*> _ports;                         // in order of attaching, both sides; not owned
     std::map<const Port*, const PinSpec*> _pin_specs;  // ports that cover only some bits: which ones
+    // The ports by their part in an update, in order of attaching, made again from _ports when the
+    // connections have changed: an update then touches no port it doesn't read or set.
+    std::vector<Port*> _drivers;       // inputs inside and outputs outside
+    std::vector<Port*> _inouts;        // drivers or not by their history
+    std::vector<Port*> _listeners;     // inputs outside and outputs inside
+    std::uint64_t _roles_version = 0;  // Net::_connections_version when made, 0 never
+    bool _outputs_listen = false;      // a listener is an output, which hears repeated values too
 };
 
 /// On every update the net gathers, bit by bit, what each attached port drives, resolves it, records
@@ -140,6 +147,12 @@ public:
     const PinSpec* _pin_spec(const Port* port) const { return _pin_specs.at(port); }
 
 private:
+    void _know_roles()
+    {
+        if (_roles_version != _connections_version)
+            _sort_roles();
+    }
+    void _sort_roles();
     /// update, with the set of the walk it is part of, or none for the first net.
     void _update(int time, Visited* given);
     /// The rest of an update that the one-pass resolution of a lone net couldn't take.
