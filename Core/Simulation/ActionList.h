@@ -69,9 +69,7 @@ public:
         }
         // Most nets are narrow: their letters travel in the record.
         record.value = ActionRecord::in_record + width;
-        const char* letters = value->c_str();
-        for (unsigned i = 0; i < width; ++i)
-            record.letters[i] = letters[i];
+        Morvane::copy_letters(record.letters, value->c_str(), width);
         return id;
     }
     ActionRecord& operator[](std::uint32_t id) { return _chunks[id >> chunk_shift][id & chunk_mask]; }

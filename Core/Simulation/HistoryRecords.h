@@ -2,6 +2,8 @@
 #ifndef MORVANE_CORE_SIMULATION_HISTORYRECORDS_H
 #define MORVANE_CORE_SIMULATION_HISTORYRECORDS_H
 
+#include "Core/Simulation/BitState.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -66,9 +68,8 @@ public:
             _last_letters[0] = letters[0];
             return;
         }
-        // A loop: a memcpy of a few bytes of unknown count is a library call.
-        for (unsigned i = 0; i < _width; ++i)
-            record[sizeof time + i] = letters[i];
+        // Not memcpy: a few bytes of unknown count make a library call.
+        Morvane::copy_letters(record + sizeof time, letters, _width);
         _copy_last(letters);
     }
     /// Puts a record before record i; rare, so it rebuilds the pages.
@@ -105,8 +106,7 @@ private:
     std::size_t _stride() const { return sizeof(int) + _width; }
     void _copy_last(const char* letters)
     {
-        for (unsigned i = 0; i < _width && i < copied_letters; ++i)
-            _last_letters[i] = letters[i];
+        Morvane::copy_letters(_last_letters, letters, _width < copied_letters ? _width : copied_letters);
     }
     static int _time_of(const char* record)
     {

@@ -253,38 +253,6 @@ constexpr std::array<BitDrivers, 256> make_driver_table()
 
 constexpr std::array<BitDrivers, 256> driver_table = make_driver_table();
 
-// Counts one more driver on each of `width` bits; the letters come most significant first.
-void record_drivers(BitDrivers* counts, const char* letters, unsigned width, unsigned& nof_drivers)
-{
-    // Every driver counts on every bit, so the count of the first bit is the number of drivers.
-    if (width == 0)
-        return;
-    if (nof_drivers == 255)
-        throw Error("*** ERROR: Maximum size of a a network is reached. Max 255 ports per net.");
-    ++nof_drivers;
-    for (unsigned bit = 0; bit < width; ++bit)
-        counts[bit] += driver_table[static_cast<unsigned char>(letters[width - 1 - bit])];
-}
-
-// Reads what `port` drives at `time` and counts it; false where its width is not the net's.
-// `own` turns false where the port's value came from elsewhere than its own history.
-bool record_port(BitDrivers* counts, Port* port, int time, unsigned width, unsigned& nof_drivers, bool& own)
-{
-    if (port->size() != width)
-        return false;
-    // Most drivers are part outputs, whose letters are read in place.
-    if (const char* letters = port->own_driven_letters(time)) {
-        record_drivers(counts, letters, width, nof_drivers);
-        return true;
-    }
-    own = false;
-    Value driven = port->value(time);
-    if (driven.size() != width)
-        return false;
-    record_drivers(counts, driven.c_str(), width, nof_drivers);
-    return true;
-}
-
 void resolve_counts(const BitDrivers* counts, unsigned width, Value& out)
 {
     // The bits of a bus mostly have the same drivers in the same states.
@@ -319,7 +287,104 @@ char resolve_single_driver(char c)
     }
 }
 
-constexpr std::size_t few_drivers = 8;  // drivers gathered before counting starts
+// Whether every letter is z, in either case.
+bool all_tristate(const char* letters, unsigned width)
+{
+    // Eight at a time: z and Z differ in the bit that the mask sets.
+    constexpr std::uint64_t case_bits = 0x2020202020202020ull;
+    constexpr std::uint64_t zs = 0x7a7a7a7a7a7a7a7aull;
+    unsigned i = 0;
+    for (; i + 8 <= width; i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, letters + i, sizeof word);
+        if ((word | case_bits) != zs)
+            return false;
+    }
+    for (; i < width; ++i) {
+        if ((letters[i] | 0x20) != 'z')
+            return false;
+    }
+    return true;
+}
+
+// The drivers of a net, or of a group of tied nets, that all cover every bit. A driver that drives z
+// on every bit changes no bit's resolution, so while at most one drives anything else, that one's
+// letters resolve alone, as on a bus where one part drives at a time. Past that, counts per bit.
+class Drivers
+{
+public:
+    explicit Drivers(unsigned width) : _width(width) {}
+
+    // Reads what `port` drives at `time`; false where its width is not the net's.
+    bool add(Port* port, int time)
+    {
+        if (port->size() != _width)
+            return false;
+        // Most drivers are part outputs, whose letters are read in place.
+        if (const char* letters = port->own_driven_letters(time)) {
+            _add(letters, true);
+            return true;
+        }
+        own = false;
+        Value driven = port->value(time);
+        if (driven.size() != _width)
+            return false;
+        _add(driven.c_str(), false);
+        return true;
+    }
+    void resolve(Value& out) const
+    {
+        if (_counting) {
+            resolve_counts(_counts, _width, out);
+            return;
+        }
+        char* resolved = out.letters();
+        for (unsigned bit = 0; bit < _width; ++bit)
+            resolved[bit] = _single != nullptr ? resolve_single_driver(_single[bit]) : 'z';
+    }
+
+    bool own = true;  // every driver's letters came from its own history
+
+private:
+    // `lasting`: the letters stay where they are while the net resolves.
+    void _add(const char* letters, bool lasting)
+    {
+        if (_width == 0)
+            return;
+        if (_nof_drivers == 255)
+            throw Error("*** ERROR: Maximum size of a a network is reached. Max 255 ports per net.");
+        ++_nof_drivers;
+        if (_counting) {
+            _count(letters);
+        } else if (!all_tristate(letters, _width)) {
+            if (_single == nullptr) {
+                if (!lasting) {
+                    std::memcpy(_kept, letters, _width);
+                    letters = _kept;
+                }
+                _single = letters;
+            } else {
+                _counting = true;
+                std::memset(_counts, 0, _width * sizeof(BitDrivers));
+                _count(_single);
+                _count(letters);
+            }
+        }
+    }
+    // One more driver on each bit; the letters come most significant first.
+    void _count(const char* letters)
+    {
+        for (unsigned bit = 0; bit < _width; ++bit)
+            _counts[bit] += driver_table[static_cast<unsigned char>(letters[_width - 1 - bit])];
+    }
+
+    unsigned _width;                // bits of the net
+    unsigned _nof_drivers = 0;      // all of them, z or not
+    const char* _single = nullptr;  // letters of the one driver that drives more than z, or null
+    char _kept[256];                // those letters where they would not stay
+    bool _counting = false;         // a second such driver came: _counts holds them all
+    BitDrivers _counts[256];        // per bit, least significant first; only while counting
+};
 
 }  // namespace
 
@@ -353,15 +418,12 @@ bool Net::_compute_value_fast(int time, Value& out)
         resolve(driven.c_str());
         return true;
     }
-    BitDrivers counts[256];
-    std::memset(counts, 0, width * sizeof(BitDrivers));
-    unsigned counted = 0;
-    bool own = true;
+    Drivers drivers(width);
     for (Port* driver : _drivers) {
-        if (!record_port(counts, driver, time, width, counted, own))
+        if (!drivers.add(driver, time))
             return false;
     }
-    resolve_counts(counts, width, out);
+    drivers.resolve(out);
     return true;
 }
 
@@ -402,26 +464,22 @@ bool Net::_compute_value_tied(int time, Value& out, bool* drivers_own)
     // drivers, reads the same whichever bit reaches it first.
     if (!_find_tied_group())
         return false;
-    unsigned width = size();
-    BitDrivers counts[256];
-    std::memset(counts, 0, width * sizeof(BitDrivers));
-    unsigned counted = 0;
-    bool own = true;
+    Drivers drivers(size());
     // The counts don't depend on the order of the drivers, nor does the one error.
     for (Net* net : _tied_group) {
         net->_know_roles();
         for (Port* port : net->_drivers) {
-            if (!record_port(counts, port, time, width, counted, own))
+            if (!drivers.add(port, time))
                 return false;
         }
         for (Port* port : net->_inouts) {
-            if (port->drives(net) && !record_port(counts, port, time, width, counted, own))
+            if (port->drives(net) && !drivers.add(port, time))
                 return false;
         }
     }
-    resolve_counts(counts, width, out);
+    drivers.resolve(out);
     if (drivers_own != nullptr)
-        *drivers_own = own;
+        *drivers_own = drivers.own;
     return true;
 }
 

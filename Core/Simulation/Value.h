@@ -59,8 +59,7 @@ public:
         // and one named result, so that it is built in place.
         Value v(_unfilled, width);
         char* store = v._store();
-        for (unsigned i = 0; i < width; ++i)
-            store[i] = letters[i];
+        Morvane::copy_letters(store, letters, width);
         store[width] = '\0';
         return v;
     }

@@ -65,6 +65,10 @@ TEST(NetTest, ResolvesItsDrivers)
         {{"HHLL", "HLHL"}, "uuuu"},
         {{"uxQz", "zzzz"}, "uuuz"},
         {{"pppz", "nzLL"}, "uHLL"},
+        // Drivers of z alone, in either case, around the one that drives.
+        {{"ZZZZ", "pHzL", "zzzz"}, "HHzL"},
+        {{"zZzZ", "ZzZz"}, "zzzz"},
+        {{"zzzz", "HzzL", "ZZZZ", "zLzL"}, "HLzu"},
     };
     for (const Row& r : rows) {
         Net net(4);
