@@ -7,7 +7,8 @@ namespace {
 
 constexpr int error_buffer_size = 2048;
 
-std::string format_into_buffer(const char* format, va_list args)
+// The format is the caller's: the attribute lets the compiler check it there.
+__attribute__((format(printf, 1, 0))) std::string format_into_buffer(const char* format, va_list args)
 {
     char buffer[error_buffer_size];
     int n = vsnprintf(buffer, sizeof buffer, format, args);
