@@ -529,7 +529,7 @@ void Net::_record_and_tell(int time, const Value& resolved, Visited* tied_walk)
         _set(resolved, time);
     }
 
-    if (tied_walk != nullptr) {
+    if (tied_walk != nullptr && !(repeated && _group_is_quiet())) {
         tied_walk->insert(this);
         _update_connected_nets(time, *tied_walk);
     }
@@ -549,6 +549,18 @@ void Net::_record_and_tell(int time, const Value& resolved, Visited* tied_walk)
         if (!repeated || port->dir() == Output)
             port->set(resolved, time);
     }
+}
+
+bool Net::_group_is_quiet()
+{
+    // Every update of a net of such a group records the same letters on all of them, so when this
+    // one repeats its letters, so would each of the others, and none would tell anyone.
+    if (!_find_tied_group())
+        return false;
+    return std::all_of(_tied_group.begin(), _tied_group.end(), [](Net* net) {
+        net->_know_roles();
+        return net->window() != full_history && !net->_outputs_listen;
+    });
 }
 
 void Net::_update_connected_nets(int time, Visited& visited)

@@ -153,6 +153,9 @@ private:
             _sort_roles();
     }
     void _sort_roles();
+    /// Whether the group of tied nets resolves in one pass, every net of it keeps a window and no
+    /// output listens to any of them.
+    bool _group_is_quiet();
     /// update, with the set of the walk it is part of, or none for the first net.
     void _update(int time, Visited* given);
     /// The rest of an update that the one-pass resolution of a lone net couldn't take.
