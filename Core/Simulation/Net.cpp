@@ -271,7 +271,7 @@ void resolve_counts(const BitDrivers* counts, unsigned width, Value& out)
 }
 
 // What a bit reads with this letter from its only driver.
-char resolve_single_driver(char c)
+constexpr char single_driver_letter(char c)
 {
     switch (Morvane::lower_letter(c)) {
     case 'h':
@@ -285,6 +285,22 @@ char resolve_single_driver(char c)
     default:
         return 'u';
     }
+}
+
+constexpr std::array<char, 256> make_single_driver_table()
+{
+    std::array<char, 256> table{};
+    for (int c = 0; c < 256; ++c)
+        table[static_cast<std::size_t>(c)] = single_driver_letter(static_cast<char>(c));
+    return table;
+}
+
+constexpr std::array<char, 256> single_driver_table = make_single_driver_table();
+
+// A table, as for the counts: a chain of compares per letter is the cost of most updates.
+char resolve_single_driver(char c)
+{
+    return single_driver_table[static_cast<unsigned char>(c)];
 }
 
 // Whether every letter is z, in either case.
@@ -339,8 +355,12 @@ public:
             return;
         }
         char* resolved = out.letters();
+        if (_single == nullptr) {
+            std::memset(resolved, 'z', _width);
+            return;
+        }
         for (unsigned bit = 0; bit < _width; ++bit)
-            resolved[bit] = _single != nullptr ? resolve_single_driver(_single[bit]) : 'z';
+            resolved[bit] = resolve_single_driver(_single[bit]);
     }
 
     bool own = true;  // every driver's letters came from its own history
