@@ -147,19 +147,8 @@ void ValueHistory::_notify_subscribers(const Value& old_value, const Value& new_
     _notify_subscribers(change);
 }
 
-void ValueHistory::_notify_subscribers(ValueChange& change)
+void ValueHistory::_notify_list_from(std::size_t i, ValueChange& change)
 {
-    // By index: a subscriber may subscribe others while it is told. A single one that does so turns
-    // into a list whose first entry it is, and the walk goes on from the second.
-    std::size_t i = 0;
-    if (!_subscribers) {
-        if (_subscriber == nullptr)
-            return;
-        _subscriber->value_changed(this, change);
-        if (!_subscribers)
-            return;
-        i = 1;
-    }
     for (; i < _subscribers->size(); ++i)
         (*_subscribers)[i]->value_changed(this, change);
 }

@@ -185,7 +185,23 @@ protected:
     /// Tells the subscribers of a change from the letters `last` to `value`.
     void _notify_change_from(const char* last, const Value& value, int time);
     void _notify_subscribers(const Value& old_value, const Value& new_value, int time);
-    void _notify_subscribers(ValueChange& change);
+    void _notify_subscribers(ValueChange& change)
+    {
+        // Most histories have one subscriber: it is told without a walk.
+        if (!_subscribers) {
+            if (_subscriber == nullptr)
+                return;
+            _subscriber->value_changed(this, change);
+            if (!_subscribers)
+                return;
+            _notify_list_from(1, change);
+            return;
+        }
+        _notify_list_from(0, change);
+    }
+    /// Tells the subscribers of the list from the i-th on. By index: a subscriber may subscribe
+    /// others while it is told. A single one that does so turns into a list whose first entry it is.
+    void _notify_list_from(std::size_t i, ValueChange& change);
     /// Sizes an unsized history; a net takes its width from the first port attached. Entries made
     /// while the width was 0 stay empty values.
     void _set_size(unsigned size);
