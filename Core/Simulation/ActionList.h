@@ -168,7 +168,7 @@ public:
 private:
     static constexpr std::uint32_t scan_limit = 8;  // actions looked through before indexing
     // Words of the filter: every slot of the map has one, so it stays small.
-    static constexpr std::size_t filter_words = 4;
+    static constexpr std::size_t filter_words = 8;
 
     /// Equal requests share target and port; the value stays out, since its equality is one-sided.
     /// The filter takes the top bits, the table the low ones: both are mixed.
