@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -14,16 +15,19 @@ constexpr std::uint32_t free_bucket = 0;
 
 ActionStore::~ActionStore()
 {
-    for (ActionRecord* chunk : _chunks)
-        release_huge(chunk, chunk_bytes);
+    for (std::size_t i = 0; i < _nof_chunks; ++i)
+        release_huge(_chunks[i], chunk_bytes);
     for (unsigned char* chunk : _letter_chunks)
         release_huge(chunk, chunk_bytes);
 }
 
 std::uint32_t ActionStore::_new_record()
 {
-    if ((_count >> chunk_shift) == _chunks.size())
-        _chunks.push_back(static_cast<ActionRecord*>(allocate_huge(chunk_bytes)));
+    if ((_count >> chunk_shift) == _nof_chunks) {
+        if (_nof_chunks == max_chunks)
+            throw std::bad_alloc();
+        _chunks[_nof_chunks++] = static_cast<ActionRecord*>(allocate_huge(chunk_bytes));
+    }
     return _count++;
 }
 

@@ -93,7 +93,7 @@ public:
     /// Records in use.
     std::size_t size() const { return _count - _nof_free; }
     /// Bytes taken from the system.
-    std::size_t bytes() const { return (_chunks.size() + _letter_chunks.size()) * chunk_bytes; }
+    std::size_t bytes() const { return (_nof_chunks + _letter_chunks.size()) * chunk_bytes; }
 
 private:
     static constexpr unsigned chunk_shift = 18;  // records per chunk, as a power of 2: 4 huge pages
@@ -115,7 +115,11 @@ private:
     /// Where `bytes` of letters go: 1 + their offset, as a record keeps it.
     std::uint32_t _place_letters(std::size_t bytes);
 
-    std::vector<ActionRecord*> _chunks;                // records, chunk_mask + 1 per chunk, in huge pages
+    // Records, chunk_mask + 1 per chunk, in huge pages. A fixed table, so that a record is found
+    // from the store itself: the engine looks one up for every action it queues and runs.
+    static constexpr std::size_t max_chunks = 4096;  // 2^30 records, 32 GiB
+    ActionRecord* _chunks[max_chunks] = {};
+    std::size_t _nof_chunks = 0;                       // in use
     std::vector<unsigned char*> _letter_chunks;        // width byte then letters, per net action value
     std::uint32_t _count = 0;                          // records in use
     std::size_t _letter_chunk = 0;                     // the letter chunk being filled
