@@ -2,21 +2,9 @@
 
 #include "Core/Support/Error.h"
 
-using Morvane::lower_letter;
-
 namespace {
 
-bool either_is(char a, char b, char wanted)
-{
-    return a == wanted || b == wanted;
-}
-
-bool low_and_high(char a, char b)
-{
-    return (a == 'l' && b == 'h') || (a == 'h' && b == 'l');
-}
-
-// Applies a two-input rule to every place; the rule sees lower-case letters.
+// Applies a two-input rule to every place.
 template <typename Rule> Value combine(const Value& a, const Value& b, Rule rule)
 {
     if (a.size() != b.size())
@@ -27,7 +15,7 @@ template <typename Rule> Value combine(const Value& a, const Value& b, Rule rule
     const char* right = b.c_str();
     unsigned width = a.size();
     for (unsigned i = 0; i < width; ++i)
-        letters[i] = rule(lower_letter(left[i]), lower_letter(right[i]));
+        letters[i] = rule(left[i], right[i]);
     return Value::from_letters(letters, width);
 }
 
@@ -35,56 +23,32 @@ template <typename Rule> Value combine(const Value& a, const Value& b, Rule rule
 
 Value Logic::And(const Value& a, const Value& b)
 {
-    return combine(a, b, [](char x, char y) {
-        if (either_is(x, y, 'l'))
-            return 'L';
-        return either_is(x, y, 'u') ? 'u' : 'H';
-    });
+    return combine(a, b, and_letter);
 }
 
 Value Logic::Nand(const Value& a, const Value& b)
 {
-    return combine(a, b, [](char x, char y) {
-        if (either_is(x, y, 'l'))
-            return 'H';
-        return either_is(x, y, 'u') ? 'u' : 'L';
-    });
+    return combine(a, b, nand_letter);
 }
 
 Value Logic::Or(const Value& a, const Value& b)
 {
-    return combine(a, b, [](char x, char y) {
-        if (either_is(x, y, 'h'))
-            return 'H';
-        return either_is(x, y, 'u') ? 'u' : 'L';
-    });
+    return combine(a, b, or_letter);
 }
 
 Value Logic::Nor(const Value& a, const Value& b)
 {
-    return combine(a, b, [](char x, char y) {
-        if (either_is(x, y, 'h'))
-            return 'L';
-        return either_is(x, y, 'u') ? 'u' : 'H';
-    });
+    return combine(a, b, nor_letter);
 }
 
 Value Logic::Xor(const Value& a, const Value& b)
 {
-    return combine(a, b, [](char x, char y) {
-        if (low_and_high(x, y))
-            return 'H';
-        return either_is(x, y, 'u') ? 'u' : 'L';
-    });
+    return combine(a, b, xor_letter);
 }
 
 Value Logic::Xnor(const Value& a, const Value& b)
 {
-    return combine(a, b, [](char x, char y) {
-        if (low_and_high(x, y))
-            return 'L';
-        return either_is(x, y, 'u') ? 'u' : 'H';
-    });
+    return combine(a, b, xnor_letter);
 }
 
 Value Logic::Inv(const Value& a)
@@ -92,9 +56,7 @@ Value Logic::Inv(const Value& a)
     char letters[256];
     const char* bits = a.c_str();
     unsigned width = a.size();
-    for (unsigned i = 0; i < width; ++i) {
-        char l = lower_letter(bits[i]);
-        letters[i] = l == 'l' ? 'H' : (l == 'u' ? 'u' : 'L');
-    }
+    for (unsigned i = 0; i < width; ++i)
+        letters[i] = inv_letter(bits[i]);
     return Value::from_letters(letters, width);
 }

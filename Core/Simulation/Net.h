@@ -79,6 +79,9 @@ public:
         return _pin_specs.empty() ? ValueHistory::value(time) : _narrowed_value(time, port);
     }
     using ValueHistory::value;
+    /// The letters in force at `time` where the net has no pin specs and they lie in its history
+    /// (see ValueHistory::letters_at); null otherwise.
+    const char* whole_letters_at(int time) const { return _pin_specs.empty() ? letters_at(time) : nullptr; }
     /// Resolves this net's own drivers; with `follow`, also those inside the inout ports that hang on
     /// it from the outside with an inner net of the same width.
     Value local_value(int time, bool follow);

@@ -64,6 +64,18 @@ public:
         return _inout_value(time);
     }
     using ValueHistory::value;
+    /// The first letter of value(time), read in place where it can be: what a part of one-bit
+    /// inputs reads, without making a value.
+    char letter(int time)
+    {
+        if (_dir == Morvane::Input && _outside_net != nullptr) {
+            if (const char* letters = _outside_net->whole_letters_at(time)) {
+                char c = letters[0];
+                return _z_translation && (c | 0x20) == 'z' ? 'U' : c;
+            }
+        }
+        return value(time).c_str()[0];
+    }
     /// The resolved value of this port's own drivers on the net of side q; all u without a net.
     virtual Value local_net_value(int time, Morvane::IntExtQual q, bool follow);
     virtual Morvane::Dir dir() const final { return _dir; }

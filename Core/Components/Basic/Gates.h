@@ -48,8 +48,8 @@ protected:
     {
     }
 
-    /// The gate's function of its inputs read at `input_time`.
-    virtual Value _logic(int input_time) = 0;
+    /// The gate's function of its inputs read at `input_time`: the letter of the one output bit.
+    virtual char _logic(int input_time) = 0;
 
     Pin* _out = nullptr;  // the one output, made after the inputs
 };
@@ -66,7 +66,7 @@ public:
 
 private:
     void _init();
-    Value _logic(int input_time) override;
+    char _logic(int input_time) override;
 
     Pin* _a = nullptr;  // input
     Pin* _b = nullptr;  // input
@@ -84,7 +84,7 @@ public:
 
 private:
     void _init();
-    Value _logic(int input_time) override;
+    char _logic(int input_time) override;
 
     Pin* _a = nullptr;  // input
     Pin* _b = nullptr;  // input
@@ -102,7 +102,7 @@ public:
 
 private:
     void _init();
-    Value _logic(int input_time) override;
+    char _logic(int input_time) override;
 
     Pin* _a = nullptr;  // input
     Pin* _b = nullptr;  // input
@@ -120,7 +120,7 @@ public:
 
 private:
     void _init();
-    Value _logic(int input_time) override;
+    char _logic(int input_time) override;
 
     Pin* _a = nullptr;  // input
     Pin* _b = nullptr;  // input
@@ -137,7 +137,7 @@ public:
     Xor(const std::string& instance_name, const ParaMap& params);
 
 private:
-    Value _logic(int input_time) override;
+    char _logic(int input_time) override;
 
     Pin* _a = nullptr;  // input
     Pin* _b = nullptr;  // input
@@ -153,7 +153,7 @@ public:
     Xnor(const std::string& instance_name, const ParaMap& params);
 
 private:
-    Value _logic(int input_time) override;
+    char _logic(int input_time) override;
 
     Pin* _a = nullptr;  // input
     Pin* _b = nullptr;  // input
@@ -171,7 +171,7 @@ public:
 
 private:
     void _init();
-    Value _logic(int input_time) override;
+    char _logic(int input_time) override;
 
     Pin* _in = nullptr;  // input
 };

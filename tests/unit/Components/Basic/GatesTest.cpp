@@ -51,6 +51,22 @@ TEST(GatesTest, TruthTablesWithUndefinedAndFloatingInputs)
     }
 }
 
+TEST(GatesTest, InputsOnNetsReadAFloatingNetAsU)
+{
+    Network n;
+    Gate* gate = n.gate("Or", "U1");
+    Port* a = n.source("a");
+    Port* b = n.source("b");
+    n.net("a", {a, gate->port("a")});
+    n.net("b", {b, gate->port("b")});
+    b->set(Value("L"), 0);
+    a->set(Value("Z"), 0);
+    a->set(Value("H"), 10);
+    simulator()->simulate(100);
+    // U, which the L on the other input doesn't decide; then the H does.
+    EXPECT_EQ(record_of(*gate->port("out")), "3u 13H ");
+}
+
 TEST(GatesTest, PulsesShorterThanTheDelayPass)
 {
     Network n;
