@@ -76,6 +76,14 @@ public:
         }
         return value(time).c_str()[0];
     }
+    /// The letters of value(time) where they lie in place: an input on a net without pin specs, whose
+    /// z translation is off. Valid until the net changes; null otherwise, and value() then tells.
+    const char* plain_letters(int time) const
+    {
+        if (_dir == Morvane::Input && _outside_net != nullptr && !_z_translation)
+            return _outside_net->whole_letters_at(time);
+        return nullptr;
+    }
     /// The resolved value of this port's own drivers on the net of side q; all u without a net.
     virtual Value local_net_value(int time, Morvane::IntExtQual q, bool follow);
     virtual Morvane::Dir dir() const final { return _dir; }

@@ -201,18 +201,39 @@ void Split::_init(unsigned size, const std::vector<PortSpec>& specs)
     for (const PortSpec& spec : specs) {
         std::unique_ptr<PinSpec> pin_spec = fitting_pin_spec(spec, size);
         Port* output = make_port(pin_spec->size(), Output, spec.name);
+        // The spec fits, so every bit lies within the input.
+        std::vector<unsigned> taps;
+        for (int i = pin_spec->size() - 1; i >= 0; --i)
+            taps.push_back(size - 1 - static_cast<unsigned>(pin_spec->dense_to_sparse(i)));
+        _taps.push_back(std::move(taps));
         _outputs.emplace_back(output, std::move(pin_spec));
     }
 }
 
 void Split::evaluate(int time)
 {
-    Value whole = _in->value(time);
-    for (const auto& [output, pin_spec] : _outputs) {
-        Value part(pin_spec->size());
-        for (int i = 0; i < pin_spec->size(); ++i)
-            part[static_cast<unsigned>(i)] = whole[static_cast<unsigned>(pin_spec->dense_to_sparse(i))];
-        output->set(part, time);
+    // The input's letters where they lie, else those of its value: every evaluation reads the bus.
+    Value whole;
+    const char* in = _in->plain_letters(time);
+    if (in == nullptr) {
+        whole = _in->value(time);
+        in = whole.size() == _in->size() ? whole.c_str() : nullptr;
+    }
+    for (std::size_t k = 0; k < _outputs.size(); ++k) {
+        const auto& [output, pin_spec] = _outputs[k];
+        if (in == nullptr) {
+            // Bit by bit, as a value of another width answers.
+            Value part(pin_spec->size());
+            for (int i = 0; i < pin_spec->size(); ++i)
+                part[static_cast<unsigned>(i)] = whole[static_cast<unsigned>(pin_spec->dense_to_sparse(i))];
+            output->set(part, time);
+            continue;
+        }
+        const std::vector<unsigned>& taps = _taps[k];
+        char letters[256];
+        for (std::size_t j = 0; j < taps.size(); ++j)
+            letters[j] = in[taps[j]];
+        output->set(Value::from_letters(letters, static_cast<unsigned>(taps.size())), time);
     }
 }
 

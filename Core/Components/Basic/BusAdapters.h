@@ -97,6 +97,8 @@ private:
 
     Port* _in = nullptr;                                               // input, the full width
     std::vector<std::pair<Port*, std::unique_ptr<PinSpec>>> _outputs;  // in order of making, with bits
+    // For each output, where each of its letters lies among the input's, most significant first.
+    std::vector<std::vector<unsigned>> _taps;
 };
 
 /// Joins inout ports of any bit selection through one internal net of `size` bits.
