@@ -84,6 +84,13 @@ public:
             return _outside_net->whole_letters_at(time);
         return nullptr;
     }
+    /// The letters of an input's net where they lie in place, before z translation: all that a part
+    /// which reads a number, and takes z and U alike as no number, needs. Null otherwise.
+    const char* net_letters(int time) const
+    {
+        return _dir == Morvane::Input && _outside_net != nullptr ? _outside_net->whole_letters_at(time)
+                                                                 : nullptr;
+    }
     /// The resolved value of this port's own drivers on the net of side q; all u without a net.
     virtual Value local_net_value(int time, Morvane::IntExtQual q, bool follow);
     virtual Morvane::Dir dir() const final { return _dir; }

@@ -231,10 +231,9 @@ bool Value::_pattern_matches_array(const char* pattern) const
     return true;
 }
 
-bool Value::is_integer() const
+bool Value::is_integer(const char* store, unsigned width)
 {
-    const char* store = _store();
-    for (unsigned i = 0; i < _size; ++i) {
+    for (unsigned i = 0; i < width; ++i) {
         char l = lower_letter(store[i]);
         if (l == 'z' || l == 'p' || l == 'n' || l == 'x' || l == 'u')
             return false;
@@ -242,11 +241,10 @@ bool Value::is_integer() const
     return true;
 }
 
-int Value::integer() const
+int Value::integer(const char* store, unsigned width)
 {
-    const char* store = _store();
     unsigned result = 0;  // unsigned so that widths past 31 bits wrap instead of overflowing
-    for (unsigned i = 0; i < _size; ++i) {
+    for (unsigned i = 0; i < width; ++i) {
         char l = lower_letter(store[i]);
         if (l == 'z' || l == 'x' || l == 'u')
             throw std::domain_error(format_text("Cannot interpret '%c' as a binary digit.", store[i]));

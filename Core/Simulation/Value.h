@@ -116,9 +116,12 @@ public:
     bool matches(const std::string& pattern) const { return _test_matches(pattern.c_str()); }
 
     /// False if some bit is z, p, n, x or u.
-    bool is_integer() const;
+    bool is_integer() const { return is_integer(_store(), _size); }
     /// H is 1, everything else 0; throws domain_error for z, x and u, but takes p and n as 0.
-    int integer() const;
+    int integer() const { return integer(_store(), _size); }
+    /// The same for `width` bare letters, most significant first.
+    static bool is_integer(const char* letters, unsigned width);
+    static int integer(const char* letters, unsigned width);
     /// Writes the low bits of x; throws out_of_range unless x is below 1 << width (shift modulo 32).
     void set_to(int x);
     /// Expands the compact text (hexadecimal digits, capital state letters) into this value.

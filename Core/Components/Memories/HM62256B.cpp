@@ -87,28 +87,29 @@ void HM62256B::evaluate(int time)
 {
     // Every decision uses the inputs of the change that caused this evaluation, one delay back.
     int ti = time - delay();
-    Value cs = _cs->value(ti);
-    if (cs == 'H') {
+    char cs = Morvane::lower_letter(_cs->letter(ti));
+    if (cs == 'h') {
         _dout->set(released_byte(), time);
         return;
     }
-    if (cs != 'L') {
+    if (cs != 'l') {
         _dout->set(undefined_byte(), time);
         return;
     }
-    Value we = _we->value(ti);
-    Value oe = _oe->value(ti);
-    bool oe_known = oe == 'H' || oe == 'L';
-    if (we == 'H') {
-        if (oe == 'H') {
+    char we = Morvane::lower_letter(_we->letter(ti));
+    char oe = Morvane::lower_letter(_oe->letter(ti));
+    bool oe_known = oe == 'h' || oe == 'l';
+    if (we == 'h') {
+        if (oe == 'h') {
             _dout->set(released_byte(), time);
-        } else if (oe == 'L') {
-            Value a = _a->value(ti);
-            _dout->set(a.is_integer() ? _cells->at(a.integer()).value(ti) : undefined_byte(), time);
+        } else if (oe == 'l') {
+            int address = 0;
+            _dout->set(binary_address(_a, ti, address) ? _cells->at(address).value(ti) : undefined_byte(),
+                       time);
         } else {
             _dout->set(undefined_byte(), time);
         }
-    } else if (we == 'L') {
+    } else if (we == 'l') {
         _dout->set(oe_known ? released_byte() : undefined_byte(), time);
         _write(ti, time);
     } else {
@@ -118,11 +119,11 @@ void HM62256B::evaluate(int time)
 
 void HM62256B::_write(int input_time, int time)
 {
-    Value a = _a->value(input_time);
-    if (!a.is_integer()) {
+    int address = 0;
+    if (!binary_address(_a, input_time, address)) {
         TLog("*** WARNING: writing to memory '%s' ('%s') with unstable address at time=%d!!",
              instance_name().c_str(), type_name().c_str(), time);
         return;
     }
-    _cells->at(a.integer()).set(_din->value(input_time), time);
+    _cells->at(address).set(_din->value(input_time), time);
 }

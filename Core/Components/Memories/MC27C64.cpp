@@ -84,20 +84,20 @@ std::vector<std::string> MC27C64::get_valid_param_keys()
 void MC27C64::evaluate(int time)
 {
     int ti = time - delay();
-    Value cs = _cs->value(ti);
-    if (cs == 'H') {
+    char cs = Morvane::lower_letter(_cs->letter(ti));
+    if (cs == 'h') {
         _d->set(released_byte(), time);
         return;
     }
-    if (cs != 'L') {
+    if (cs != 'l') {
         _d->set(undefined_byte(), time);
         return;
     }
-    Value oe = _oe->value(ti);
-    if (oe == 'L') {
-        Value a = _a->value(ti);
-        _d->set(a.is_integer() ? read(a.integer()) : undefined_byte(), time);
-    } else if (oe == 'H') {
+    char oe = Morvane::lower_letter(_oe->letter(ti));
+    if (oe == 'l') {
+        int address = 0;
+        _d->set(binary_address(_a, ti, address) ? read(address) : undefined_byte(), time);
+    } else if (oe == 'h') {
         _d->set(released_byte(), time);
     } else {
         _d->set(undefined_byte(), time);

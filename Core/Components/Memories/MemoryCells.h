@@ -3,6 +3,7 @@
 #ifndef MORVANE_CORE_COMPONENTS_MEMORYCELLS_H
 #define MORVANE_CORE_COMPONENTS_MEMORYCELLS_H
 
+#include "Core/Simulation/Port.h"
 #include "Core/Simulation/Value.h"
 #include "Core/Simulation/ValueHistory.h"
 
@@ -30,6 +31,23 @@ inline const Value& undefined_byte()
 {
     static const Value u("UUUUUUUU");
     return u;
+}
+
+/// The address on `a` at `time` into `address`; false where some bit is no binary digit. Read in
+/// place where it can be: z translation makes no number of a z either.
+inline bool binary_address(Port* a, int time, int& address)
+{
+    if (const char* letters = a->net_letters(time)) {
+        if (!Value::is_integer(letters, a->size()))
+            return false;
+        address = Value::integer(letters, a->size());
+        return true;
+    }
+    Value value = a->value(time);
+    if (!value.is_integer())
+        return false;
+    address = value.integer();
+    return true;
 }
 
 #endif  // MORVANE_CORE_COMPONENTS_MEMORYCELLS_H
