@@ -566,8 +566,12 @@ void Net::_record_and_tell(int time, const Value& resolved, Visited* tied_walk)
                 __builtin_prefetch(next + 64 * line);
         }
         Port* port = _listeners[i];
-        if (!repeated || port->dir() == Output)
+        if (port->dir() == Input) {
+            if (!repeated)
+                port->hear(resolved, time);
+        } else {
             port->set(resolved, time);
+        }
     }
 }
 

@@ -47,6 +47,13 @@ public:
 
     /// Records the value; an output then asks its outside net to recompute at `time`.
     void set(const Value& value, int time) final;
+    /// set for an input: records the value, and asks nothing of a net. In line, as every update of a
+    /// net sets its listening inputs this way.
+    void hear(const Value& value, int time)
+    {
+        ++_nof_stores;
+        _set(value, time);
+    }
     /// Calls of set on any port since the process began: while it stands, every port holds what
     /// it held.
     static std::uint64_t nof_stores() { return _nof_stores; }
