@@ -178,6 +178,10 @@ void Net::_sort_roles()
             continue;
         }
     }
+    _nof_drivers = static_cast<std::uint32_t>(_drivers.size());
+    _nof_listeners = static_cast<std::uint32_t>(_listeners.size());
+    std::copy_n(_drivers.begin(), std::min<std::size_t>(_nof_drivers, near_roles), _near_drivers);
+    std::copy_n(_listeners.begin(), std::min<std::size_t>(_nof_listeners, near_roles), _near_listeners);
 }
 
 Value Net::_narrowed_value(int time, const Port* port) const
@@ -418,9 +422,10 @@ bool Net::_compute_value_fast(int time, Value& out)
     if (!_inouts.empty())
         return false;
     unsigned width = size();
-    if (_drivers.size() == 1) {
+    Port* const* drivers = _driver_list();
+    if (_nof_drivers == 1) {
         // The common net: one driver, whose letters resolve one by one.
-        Port* driver = _drivers[0];
+        Port* driver = drivers[0];
         if (driver->size() != width)
             return false;
         auto resolve = [&out, width](const char* letters) {
@@ -438,12 +443,12 @@ bool Net::_compute_value_fast(int time, Value& out)
         resolve(driven.c_str());
         return true;
     }
-    Drivers drivers(width);
-    for (Port* driver : _drivers) {
-        if (!drivers.add(driver, time))
+    Drivers gathered(width);
+    for (std::size_t d = 0; d < _nof_drivers; ++d) {
+        if (!gathered.add(drivers[d], time))
             return false;
     }
-    drivers.resolve(out);
+    gathered.resolve(out);
     return true;
 }
 
@@ -558,14 +563,15 @@ void Net::_record_and_tell(int time, const Value& resolved, Visited* tied_walk)
         return;
     // A net with many listeners reaches ports all over memory; fetching a few ahead overlaps the misses.
     constexpr std::size_t ahead = 4;
-    std::size_t n = _listeners.size();
+    std::size_t n = _nof_listeners;
+    Port* const* listeners = _listener_list();
     for (std::size_t i = 0; i < n; ++i) {
         if (i + ahead < n) {
-            const char* next = reinterpret_cast<const char*>(_listeners[i + ahead]);
+            const char* next = reinterpret_cast<const char*>(listeners[i + ahead]);
             for (int line = 0; line < 4; ++line)
                 __builtin_prefetch(next + 64 * line);
         }
-        Port* port = _listeners[i];
+        Port* port = listeners[i];
         if (port->dir() == Input) {
             if (!repeated)
                 port->hear(resolved, time);

@@ -32,6 +32,18 @@ struct NetWiring
     std::vector<Port*> _listeners;     // inputs outside and outputs inside
     std::uint64_t _roles_version = 0;  // Net::_connections_version when made, 0 never
     bool _outputs_listen = false;      // a listener is an output, which hears repeated values too
+    // The drivers and the listeners again, in the object, when there are few: most nets have one
+    // driver and a listener or two, and the lists' own memory would be one more fetch an update.
+    static constexpr std::size_t near_roles = 3;
+    Port* _near_drivers[near_roles] = {};
+    Port* _near_listeners[near_roles] = {};
+    std::uint32_t _nof_drivers = 0;    // of _drivers
+    std::uint32_t _nof_listeners = 0;  // of _listeners
+    Port* const* _driver_list() const { return _nof_drivers <= near_roles ? _near_drivers : _drivers.data(); }
+    Port* const* _listener_list() const
+    {
+        return _nof_listeners <= near_roles ? _near_listeners : _listeners.data();
+    }
 };
 
 /// On every update the net gathers, bit by bit, what each attached port drives, resolves it, records
