@@ -91,6 +91,19 @@ void ActionStore::release(std::uint32_t first)
     _free_records = first;
 }
 
+void ActionStore::release(const ActionList& list)
+{
+    if (list.first() == ActionRecord::none)
+        return;
+    if (list.wide()) {
+        release(list.first());
+        return;
+    }
+    (*this)[list.last()].next = _free_records;
+    _free_records = list.first();
+    _nof_free += static_cast<std::uint32_t>(list.size());
+}
+
 const unsigned char* ActionStore::_letters_at(std::uint32_t value) const
 {
     std::size_t offset = (value & ~in_block) - 1;
@@ -153,6 +166,7 @@ void ActionList::clear()
     _first = ActionRecord::none;
     _last = ActionRecord::none;
     _count = 0;
+    _wide = false;
     for (std::uint64_t& word : _filter)
         word = 0;
     // The same-time list is emptied every nanosecond; its table is kept for the next one.
@@ -179,6 +193,8 @@ bool ActionList::link(ActionStore& store, std::uint32_t id)
     }
     filter_word |= filter_bit;
     _append(store, id, hash);
+    if (record.value != 0 && record.value < ActionRecord::in_record)
+        _wide = true;
     return true;
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+class ActionList;
 class Port;
 
 /// One action as the engine keeps it: 32 bytes, where an action with its own `Value` took 64 and
@@ -90,6 +91,8 @@ public:
     void set_reuse(bool reuse) { _reuse = reuse; }
     /// Gives back the records linked from `first` on, and their letters if they took a block.
     void release(std::uint32_t first);
+    /// The same for the records of a list; at once where none took a block.
+    void release(const ActionList& list);
     /// Records in use.
     std::size_t size() const { return _count - _nof_free; }
     /// Bytes taken from the system.
@@ -152,12 +155,17 @@ public:
             return false;
         filter_word |= filter_bit;
         _append(store, store.add(target, port, value), hash);
+        if (value != nullptr && value->size() > ActionRecord::record_letters)
+            _wide = true;
         return true;
     }
     /// Appends a record of the store that is in no list, unless an equal action is in this one;
     /// true if appended. A request kept aside joins its slot this way, as if requested then.
     bool link(ActionStore& store, std::uint32_t id);
     std::uint32_t first() const { return _first; }
+    std::uint32_t last() const { return _last; }
+    /// Whether a record may keep its letters outside itself, in a block of the store.
+    bool wide() const { return _wide; }
     std::size_t size() const { return _count; }
     bool empty() const { return _count == 0; }
     /// Forgets the actions (the store keeps them).
@@ -201,6 +209,7 @@ private:
     std::uint32_t _first = ActionRecord::none;           // first record in the store
     std::uint32_t _last = ActionRecord::none;            // last record, where the next one is linked
     std::uint32_t _count = 0;                            // records in the list
+    bool _wide = false;                                  // a net action's value is wider than a record holds
     std::uint64_t _filter[filter_words] = {};            // a bit per hash of each target and port in it
     bool _indexed = false;                               // _index holds every record of the list
     std::unique_ptr<std::vector<std::uint32_t>> _index;  // id + 1 per bucket, 0 when free; null while short

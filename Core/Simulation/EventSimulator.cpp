@@ -207,12 +207,12 @@ void EventSimulator::_simulate_once(int end_time)
         if (_stop_variable != nullptr && *_stop_variable)
             return;
         _wheel_base = time;
-        _fill_wheel();
+        _fill_wheel_if_due();
         unsigned bucket = static_cast<unsigned>(time) & (wheel_size - 1);
         ActionList& slot = _wheel[bucket];
         _run_actions(slot);
         _run_same_time_actions();
-        _kept.release(slot.first());
+        _kept.release(slot);
         slot.clear();
         _wheel_bits[bucket / 64] &= ~(std::uint64_t{1} << (bucket % 64));
     }

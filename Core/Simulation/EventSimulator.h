@@ -136,6 +136,15 @@ private:
     /// Moves the requests of the far queue and the slots of the map that the wheel now covers into
     /// it; drops those before it, which were asked for a time already past and would never run.
     void _fill_wheel();
+    /// _fill_wheel where the far queue or the map holds a time the wheel now covers; most steps of
+    /// a run find neither.
+    void _fill_wheel_if_due()
+    {
+        std::int64_t limit = _wheel_base + wheel_size;
+        if ((!_far.empty() && _far.front().time < limit) ||
+            (!_actions.empty() && _actions.begin()->first < limit))
+            _fill_wheel();
+    }
     /// The earliest time of the map and the far queue, or false when both are empty.
     bool _earliest_time(int& time) const;
     /// The earliest time in the wheel, or false when it is empty.
