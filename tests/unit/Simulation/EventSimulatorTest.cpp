@@ -142,12 +142,13 @@ TEST_F(EventSimulatorTest, FinishedSlotsDroppedRunAsKeptOnesAndReuseTheirStore)
     Probe* b = probe("b");
     Net net(4);
     Port p(4, Morvane::Output, "p", nullptr);
-    // Every slot asks for two more ahead, one of them a net action of a new width each time.
+    // Every slot asks for two more ahead, one of them a net action of a new width each time, every
+    // other one too wide to lie in its record.
     a->on_evaluate = [&](int t) {
         if (t >= 60)
             return;
         sim->request_evaluation(t + 2, b, nullptr);
-        sim->request_evaluation(t + 3, &net, &p, Value(t % 2 == 0 ? "HLHL" : "L"));
+        sim->request_evaluation(t + 3, &net, &p, Value(t % 2 == 0 ? "HLHLHLHLHLHL" : "L"));
         sim->request_evaluation(t + 3, a, nullptr);
         sim->request_evaluation(t + 3, a, nullptr);
     };
