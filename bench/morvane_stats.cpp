@@ -4,8 +4,9 @@
 //
 // prints one line of key=value pairs: load and simulation time, net value changes (events), actions
 // and component evaluations, the history entries left after the run and the memory they and the
-// kept actions take, and the peak resident memory. It runs as the command line does: once, with
-// windows on every history that the test doesn't read.
+// kept actions take, the peak resident memory, and whether the outputs matched the test (passed,
+// as -v checks them; a mismatch is reported as morvane reports it). It runs as the command line
+// does: once, with windows on every history that the test doesn't read.
 #include "Cli/CircuitVerifier.h"
 #include "Core/Circuit/Circuit.h"
 #include "Core/Simulation/EventSimulator.h"
@@ -81,7 +82,7 @@ int main(int argc, char** argv)
         std::size_t loaded_history_bytes = HistoryRecords::bytes_in_use();
 
         start = std::chrono::steady_clock::now();
-        verifier.simulate();
+        bool passed = verifier.verify();
         double sim_s = seconds_since(start);
 
         EventSimulator* engine = simulator();
@@ -97,7 +98,7 @@ int main(int argc, char** argv)
             "STATS load_s=%.3f sim_s=%.3f end_time=%d events=%llu actions=%llu evaluations=%llu "
             "nets=%llu net_entries=%llu port_entries=%llu narrow_entries=%llu kept_actions=%zu "
             "history_bytes_per_entry=%.1f rss_bytes_per_entry=%.1f rss_bytes_per_event=%.1f loaded_kb=%ld "
-            "maxrss_kb=%ld events_per_s=%.0f\n",
+            "maxrss_kb=%ld events_per_s=%.0f passed=%d\n",
             load_s, sim_s, engine->max_time(), static_cast<unsigned long long>(events),
             static_cast<unsigned long long>(engine->nof_actions_run()),
             static_cast<unsigned long long>(engine->nof_evaluations_run()),
@@ -107,7 +108,7 @@ int main(int argc, char** argv)
             entries != 0 ? history_bytes / static_cast<double>(entries) : 0.0,
             entries != 0 ? grown_kb * 1024.0 / static_cast<double>(entries) : 0.0,
             events != 0 ? grown_kb * 1024.0 / static_cast<double>(events) : 0.0, loaded_kb, usage.ru_maxrss,
-            sim_s > 0 ? static_cast<double>(events) / sim_s : 0.0);
+            sim_s > 0 ? static_cast<double>(events) / sim_s : 0.0, passed ? 1 : 0);
     } catch (const Error& e) {
         std::printf("%s\n", e.message().c_str());
         return 1;

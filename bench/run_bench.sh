@@ -16,7 +16,8 @@
 #
 # --memory prints the memory of long runs instead of the tables below: the board for 0.02, 0.2 and
 # 2 s of simulated time (or --board-times) with cycles per wall second, peak memory and bytes of it
-# per simulated cycle, so that rows of growing time show whether the cost is linear in time; then
+# per simulated cycle, so that rows of growing time show whether the cost is linear in time, and the
+# LED count the program must show at the end, checked as -v checks it; then
 # the generated circuits of --kinds and --sizes (default chain and mesh, 1000 and 10000, at
 # --times or 50000 ns) with the growth of resident memory per recorded net update.
 #
@@ -101,18 +102,22 @@ field() { echo "$1" | tr ' ' '\n' | sed -n "s/^$2=//p" | head -1; }
 if [ $memory = 1 ]; then
     echo "## 6502 board (examples/board6502, 1 MHz clock)"
     echo
-    echo "| T ns | clock cycles | sim s | cycles per wall s | peak RSS MB | bytes per cycle |"
-    echo "|---|---|---|---|---|---|"
+    echo "| T ns | clock cycles | sim s | cycles per wall s | peak RSS MB | bytes per cycle | LEDs at T |"
+    echo "|---|---|---|---|---|---|---|"
     for t in ${board_times_given:-20000000 200000000 2000000000}; do
         dir="$work/board6502_T$t"
         mkdir -p "$dir"
         cp "$root/examples/board6502/board.ctc" "$dir/circuit.ctc"
-        printf 'time nc => leds\n0 L XX\n%d L XX\n' "$t" >"$dir/test.tv"
+        # The program latches count k at 14.5 us + k * 21 us: the LEDs must show it at the end.
+        leds=XX
+        [ "$t" -lt 14500 ] || leds=$(printf '%02x' $(( ((t - 14500) / 21000) % 256 )))
+        printf 'time nc => leds\n0 L XX\n%d L %s\n' "$t" "$leds" >"$dir/test.tv"
         line=$(run_case "$dir")
         awk -v t="$t" -v s="$(field "$line" sim_s)" -v w="$(field "$line" wall_s)" \
-            -v r="$(field "$line" time_maxrss_kb)" 'BEGIN {
+            -v r="$(field "$line" time_maxrss_kb)" -v l="$leds" -v p="$(field "$line" passed)" 'BEGIN {
             c = t / 1000
-            printf "| %d | %d | %.2f | %.0f k | %.0f | %.0f |\n", t, c, s, (w > 0 ? c / w / 1e3 : 0), r / 1024, r * 1024 / c }'
+            printf "| %d | %d | %.2f | %.0f k | %.0f | %.0f | %s %s |\n", t, c, s, (w > 0 ? c / w / 1e3 : 0),
+                r / 1024, r * 1024 / c, l, (p == 1 ? "checked" : "MISMATCH") }'
     done
     echo
     echo "## Generated circuits"
