@@ -89,6 +89,7 @@ void HistoryRecords::clear()
     _tail_count = 0;
     _tail_capacity = 0;
     _count = 0;
+    ++_edits;
 }
 
 void HistoryRecords::widen_blank(unsigned width)
@@ -136,6 +137,7 @@ void HistoryRecords::pop_back()
         --_tail_count;
     }
     --_count;
+    ++_edits;
     const char* last = _tail + (_tail_count - 1) * _stride();
     _last_time = _time_of(last);
     _copy_last(last + sizeof(int));
@@ -156,6 +158,7 @@ bool HistoryRecords::drop_pages_before(int t)
     for (std::uint32_t i = 0; i < _nof_pages; ++i)
         _pages[i].first -= dropped_records;
     _count -= dropped_records;
+    ++_edits;
     return true;
 }
 

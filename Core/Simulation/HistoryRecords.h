@@ -35,6 +35,10 @@ public:
     /// Rewrites every record with `width` letters, all of them NUL.
     void widen_blank(unsigned width);
 
+    /// Changes made to the records since they were made, never reset: records that show the same
+    /// count hold the same entries.
+    std::uint32_t edits() const { return _edits; }
+
     int time(std::size_t i) const { return _time_of(_record(i)); }
     /// Only while not empty.
     int last_time() const { return _last_time; }
@@ -47,6 +51,7 @@ public:
     void overwrite(std::size_t i, const char* letters)
     {
         char* record = const_cast<char*>(_record(i)) + sizeof(int);
+        ++_edits;
         for (unsigned k = 0; k < _width; ++k)
             record[k] = letters[k];
         if (i + 1 == _count)
@@ -59,6 +64,7 @@ public:
             _add_page(time);
         char* record = _tail + _tail_count * _stride();
         std::memcpy(record, &time, sizeof time);
+        ++_edits;
         ++_tail_count;
         ++_count;
         _last_time = time;
@@ -128,6 +134,7 @@ private:
     std::uint8_t _width = 0;           // letters per record
     int _last_time = 0;                // ns, of the last record
     char _last_letters[copied_letters] = {};  // of the last record, if that many or fewer
+    std::uint32_t _edits = 0;                 // see edits
 };
 
 #endif  // MORVANE_CORE_SIMULATION_HISTORYRECORDS_H

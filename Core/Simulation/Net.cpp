@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -342,10 +343,12 @@ public:
             return false;
         // Most drivers are part outputs, whose letters are read in place.
         if (const char* letters = port->own_driven_letters(time)) {
+            still_from = std::max(still_from, port->last_entry_time());
             _add(letters, true);
             return true;
         }
         own = false;
+        still_from = INT_MAX;
         Value driven = port->value(time);
         if (driven.size() != _width)
             return false;
@@ -367,7 +370,8 @@ public:
             resolved[bit] = resolve_single_driver(_single[bit]);
     }
 
-    bool own = true;  // every driver's letters came from its own history
+    bool own = true;           // every driver's letters came from its own history
+    int still_from = INT_MIN;  // ns, the latest entry of any driver; the highest int if one was not own
 
 private:
     // `lasting`: the letters stay where they are while the net resolves.
@@ -482,7 +486,7 @@ bool Net::_find_tied_group()
     return true;
 }
 
-bool Net::_compute_value_tied(int time, Value& out, bool* drivers_own)
+bool Net::_compute_value_tied(int time, Value& out, bool* drivers_own, int* still_from)
 {
     // Without pin specs the bit-by-bit walk visits the same nets in the same order for every bit, so
     // one walk that reads whole values gives the same counts; the only error it can meet, too many
@@ -505,6 +509,8 @@ bool Net::_compute_value_tied(int time, Value& out, bool* drivers_own)
     drivers.resolve(out);
     if (drivers_own != nullptr)
         *drivers_own = drivers.own;
+    if (still_from != nullptr)
+        *still_from = drivers.still_from;
     return true;
 }
 
@@ -525,17 +531,44 @@ void Net::_update(int time, Visited* given)
     _update_slowly(time, resolved, fresh);
 }
 
+std::uint64_t Net::_group_edits() const
+{
+    std::uint64_t sum = 0;
+    for (const Net* net : _tied_group) {
+        for (const Port* port : net->_drivers)
+            sum += port->edits();
+        for (const Port* port : net->_inouts)
+            sum += port->edits();
+    }
+    return sum;
+}
+
+bool Net::_kept_resolution_holds(int time)
+{
+    // The group and the roles of its nets were known when the resolution was kept, and no
+    // connection has changed since. The letters in force are then those it recorded; a cleared
+    // history has none, and clearing a driver's is an edit.
+    return _kept.version == _connections_version && time >= _kept.at && _kept.still_from <= _kept.at &&
+           _group_edits() == _kept.edits && letters_at(time) != nullptr;
+}
+
 void Net::_update_slowly(int time, Value& resolved, Visited& visited)
 {
     bool own = false;
+    int still_from = INT_MAX;
     if (visited.group_value != nullptr && visited.group_stamp == Port::nof_stores()) {
         // A net of the group has just resolved it, and no port has stored anything since: the
         // same drivers give the same letters.
         std::memcpy(resolved.letters(), visited.group_value->c_str(), size());
-    } else if (_compute_value_tied(time, resolved, &own)) {
+    } else if (_kept_resolution_holds(time)) {
+        std::memcpy(resolved.letters(), letters_at(time), size());
+    } else if (_compute_value_tied(time, resolved, &own, &still_from)) {
         // Only what the ports hold went in, so it holds while no port stores anything.
         visited.group_value = own ? &resolved : nullptr;
         visited.group_stamp = Port::nof_stores();
+        // Kept before the listeners hear of it: one of them may drive the group at once.
+        if (own)
+            _kept = KeptResolution{_group_edits(), _connections_version, time, still_from};
     } else {
         for (unsigned bit = 0; bit < size(); ++bit)
             resolved[bit] = Morvane::letter(_compute_bit_value(bit, time));

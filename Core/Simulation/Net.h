@@ -141,6 +141,12 @@ public:
     /// the listening ports.
     void update(int time) { _update(time, nullptr); }
     void update(int time, Visited visited) { _update(time, &visited); }
+    /// Records as a history does; the next update of a tied group resolves again.
+    void set(const Value& value, int time) override
+    {
+        _kept.version = 0;
+        ValueHistory::set(value, time);
+    }
 
     void print() const;
     /// Updates of any net that recorded a value, since the process began: with windows, which record
@@ -184,8 +190,13 @@ private:
     bool _compute_value_fast(int time, Value& out);
     /// All bits of a group of nets tied by inout ports, each driver read once; false, having
     /// recorded nothing, where a net of the group has pin specs or another width. `drivers_own`,
-    /// if given, tells whether every driver's value was its own history's.
-    bool _compute_value_tied(int time, Value& out, bool* drivers_own);
+    /// if given, tells whether every driver's value was its own history's, and `still_from` from
+    /// when on they all stand still (the highest int where one was not its own).
+    bool _compute_value_tied(int time, Value& out, bool* drivers_own, int* still_from = nullptr);
+    /// The edits of the histories of every driver of the group, inout ports included, summed.
+    std::uint64_t _group_edits() const;
+    /// Whether the group's last resolution by this net holds at `time`: see _kept.
+    bool _kept_resolution_holds(int time);
     /// The group of nets tied to this one, this one first, or false where the one-pass resolution
     /// can't take it.
     bool _find_tied_group();
@@ -197,6 +208,17 @@ private:
     std::vector<Net*> _tied_group;          // this net, then the nets tied to it
     bool _tied_group_resolves = false;      // the one-pass resolution can take the group
     std::uint64_t _tied_group_version = 0;  // _connections_version when it was found, 0 never
+
+    // The last resolution of the group by this net, while every driver read its own history: it
+    // holds while no driver's history is edited and every driver stood still from then on. A bus
+    // hears each part that drives z again, mostly without a change.
+    struct KeptResolution
+    {
+        std::uint64_t edits = 0;    // _group_edits() then
+        std::uint64_t version = 0;  // _connections_version then; 0: none kept
+        int at = 0;                 // ns
+        int still_from = 0;         // ns, the latest entry of any driver then
+    } _kept;
 
     static std::uint64_t _nof_recorded_updates;  // by all nets, see nof_recorded_updates
     static std::uint64_t _connections_version;   // raised on every change of connections

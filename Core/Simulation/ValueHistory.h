@@ -6,6 +6,7 @@
 #include "Core/Simulation/HistoryRecords.h"
 #include "Core/Simulation/Value.h"
 
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -117,6 +118,10 @@ public:
         return i > 0 ? _records.letters(i - 1) : nullptr;
     }
 
+    /// Changes to the entries, counted as HistoryRecords::edits counts them.
+    std::uint32_t edits() const { return _records.edits(); }
+    /// The time of the latest entry; the lowest int without one.
+    int last_entry_time() const { return _records.empty() ? INT_MIN : _records.last_time(); }
     unsigned nof_values() const { return static_cast<unsigned>(_records.size()); }
     /// In ascending time.
     Entries entries() const { return Entries(this); }

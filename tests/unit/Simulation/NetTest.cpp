@@ -223,6 +223,37 @@ TEST(NetTest, WindowedTiedNetsPassOnChangesAndTellOutputsEveryUpdate)
     EXPECT_STREQ(relay.ValueHistory::value(13).c_str(), "L");
 }
 
+// A tied group takes its last resolution again while its drivers hold what they held; a change, a
+// value set ahead of the resolution, a direct set of the net and a cleared history all count.
+TEST(NetTest, TiedGroupResolvesAgainAfterAnyChangeOfItsDrivers)
+{
+    Net outer(1);
+    Net inner(1);
+    Port tie(1, Inout, "tie", nullptr);
+    outer.add(&tie, Outside);
+    inner.add(&tie, Inside);
+    Port source(1, Output, "source", nullptr);
+    inner.add(&source, Outside);
+    source.ValueHistory::set(Value("H"), 10);
+    source.ValueHistory::set(Value("L"), 50);
+    std::string seen;
+    auto at = [&](int t) {
+        outer.update(t, {});
+        seen += outer.value(t).c_str();
+    };
+    at(10);
+    at(20);
+    at(60);  // the L set ahead
+    source.ValueHistory::set(Value("H"), 70);
+    at(70);
+    at(80);
+    outer.set(Value("z"), 90);
+    at(90);
+    source.clear();
+    at(100);
+    EXPECT_EQ(seen, "HHLHHHu");
+}
+
 TEST(NetTest, PinSpecsSelectBits)
 {
     Net bus("bus", 4);
