@@ -125,7 +125,7 @@ void ProcessorPins::port_changed_value(Port* port, const Value&, const Value&, i
 
 void ProcessorPins::_update_pin(Pin* pin, int time, BitState state, uint64_t mask)
 {
-    if (pin->value(time) == state)
+    if (Morvane::lower_letter(pin->letter(time)) == Morvane::lower_letter(Morvane::letter(state)))
         _pins |= mask;
     else
         _pins &= ~mask;
@@ -141,12 +141,12 @@ void ProcessorPins::_read_control_pins(int time)
 
 bool ProcessorPins::_negative_clk_flank(int time)
 {
-    return _last_clock == 'h' && _phi0->value(time) == 'L';
+    return _last_clock == 'h' && _level(_phi0, time) == 'l';
 }
 
 bool ProcessorPins::_positive_clk_flank(int time)
 {
-    return _last_clock == 'l' && _phi0->value(time) == 'H';
+    return _last_clock == 'l' && _level(_phi0, time) == 'h';
 }
 
 void ProcessorPins::_sample_data_bus(int time)

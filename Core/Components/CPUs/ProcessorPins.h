@@ -89,7 +89,7 @@ protected:
     void _emit_bit(PlantedOutput& line, bool high, int flank);
     void _update_clocks(int time);
     /// The letter of a one-bit input at `time`, in lower case.
-    static char _level(Pin* pin, int time) { return state_letter(pin->value(time)); }
+    static char _level(Pin* pin, int time) { return Morvane::lower_letter(pin->letter(time)); }
 
     uint64_t _pins = 0;         // the pin word between ticks
     char _last_clock = 'u';     // "PHI0" at the last evaluate(int), lower case
@@ -222,7 +222,7 @@ protected:
 
     void _set_overflow_while_low(int time)
     {
-        if (_so->value(time) == 'L')
+        if (_level(_so, time) == 'l')
             Core::set_status(&_core, Core::status(&_core) | cpu65_vf);
     }
 
