@@ -248,15 +248,16 @@ constexpr BitDrivers one_driver(char c)
     }
 }
 
-constexpr std::array<BitDrivers, 256> make_driver_table()
+// What `of` gives for each of the 256 letters, looked up by the letter's byte.
+template <typename T, typename Of> constexpr std::array<T, 256> letter_table(Of of)
 {
-    std::array<BitDrivers, 256> table{};
+    std::array<T, 256> table{};
     for (int c = 0; c < 256; ++c)
-        table[static_cast<std::size_t>(c)] = one_driver(static_cast<char>(c));
+        table[static_cast<std::size_t>(c)] = of(static_cast<char>(c));
     return table;
 }
 
-constexpr std::array<BitDrivers, 256> driver_table = make_driver_table();
+constexpr std::array<BitDrivers, 256> driver_table = letter_table<BitDrivers>(one_driver);
 
 void resolve_counts(const BitDrivers* counts, unsigned width, Value& out)
 {
@@ -292,15 +293,7 @@ constexpr char single_driver_letter(char c)
     }
 }
 
-constexpr std::array<char, 256> make_single_driver_table()
-{
-    std::array<char, 256> table{};
-    for (int c = 0; c < 256; ++c)
-        table[static_cast<std::size_t>(c)] = single_driver_letter(static_cast<char>(c));
-    return table;
-}
-
-constexpr std::array<char, 256> single_driver_table = make_single_driver_table();
+constexpr std::array<char, 256> single_driver_table = letter_table<char>(single_driver_letter);
 
 // A table, as for the counts: a chain of compares per letter is the cost of most updates.
 char resolve_single_driver(char c)

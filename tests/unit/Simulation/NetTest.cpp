@@ -29,6 +29,22 @@ std::unique_ptr<Port> driver(Net& net, const char* letters)
     return port;
 }
 
+// Two one-bit nets tied by an inout port, and an output that drives one of them.
+struct TiedPair
+{
+    explicit TiedPair(bool source_outside)
+    {
+        outer.add(&tie, Outside);
+        inner.add(&tie, Inside);
+        (source_outside ? outer : inner).add(&source, Outside);
+    }
+
+    Net outer{1};
+    Net inner{1};
+    Port tie{1, Inout, "tie", nullptr};
+    Port source{1, Output, "source", nullptr};
+};
+
 }  // namespace
 
 TEST(NetTest, AttachmentChecks)
@@ -196,13 +212,10 @@ TEST(NetTest, InoutPortTiesTwoNetsIntoOneNode)
 // others hold them already; a change crosses, and an output inside a net of the group hears repeats.
 TEST(NetTest, WindowedTiedNetsPassOnChangesAndTellOutputsEveryUpdate)
 {
-    Net outer(1);
-    Net inner(1);
-    Port tie(1, Inout, "tie", nullptr);
-    outer.add(&tie, Outside);
-    inner.add(&tie, Inside);
-    Port source(1, Output, "source", nullptr);
-    outer.add(&source, Outside);
+    TiedPair pair(true);
+    Net& outer = pair.outer;
+    Net& inner = pair.inner;
+    Port& source = pair.source;
     Port listener(1, Input, "listener", nullptr);
     inner.add(&listener, Outside);
     outer.set_window(5);
@@ -227,13 +240,9 @@ TEST(NetTest, WindowedTiedNetsPassOnChangesAndTellOutputsEveryUpdate)
 // value set ahead of the resolution, a direct set of the net and a cleared history all count.
 TEST(NetTest, TiedGroupResolvesAgainAfterAnyChangeOfItsDrivers)
 {
-    Net outer(1);
-    Net inner(1);
-    Port tie(1, Inout, "tie", nullptr);
-    outer.add(&tie, Outside);
-    inner.add(&tie, Inside);
-    Port source(1, Output, "source", nullptr);
-    inner.add(&source, Outside);
+    TiedPair pair(false);
+    Net& outer = pair.outer;
+    Port& source = pair.source;
     source.ValueHistory::set(Value("H"), 10);
     source.ValueHistory::set(Value("L"), 50);
     std::string seen;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -51,38 +52,36 @@ TEST(GatesTest, TruthTablesWithUndefinedAndFloatingInputs)
     }
 }
 
-TEST(GatesTest, InputsOnNetsReadAFloatingNetAsU)
+TEST(GatesTest, EveryInputChangeIsAnsweredOneDelayLater)
 {
-    Network n;
-    Gate* gate = n.gate("Or", "U1");
-    Port* a = n.source("a");
-    Port* b = n.source("b");
-    n.net("a", {a, gate->port("a")});
-    n.net("b", {b, gate->port("b")});
-    b->set(Value("L"), 0);
-    a->set(Value("Z"), 0);
-    a->set(Value("H"), 10);
-    simulator()->simulate(100);
-    // U, which the L on the other input doesn't decide; then the H does.
-    EXPECT_EQ(record_of(*gate->port("out")), "3u 13H ");
-}
-
-TEST(GatesTest, PulsesShorterThanTheDelayPass)
-{
-    Network n;
-    Gate* buf = n.gate("And", "U1(delay=5)");
-    Port* a = n.source("a");
-    Port* b = n.source("b");
-    n.net("a", {a, buf->port("a")});
-    n.net("b", {b, buf->port("b")});
-    Net* out = n.net("out", {buf->port("out")});
-    b->set(Value("H"), 0);
-    a->set(Value("L"), 0);
-    a->set(Value("H"), 10);
-    a->set(Value("L"), 12);
-    simulator()->simulate(100);
-    // Both inputs change at 0: two evaluations at 5 write the same value.
-    EXPECT_EQ(record_of(*out), "5L 15H 17L ");
+    struct Row
+    {
+        const char* type;                                 // gate type
+        const char* spec;                                 // instance
+        const char* b;                                    // input b from 0 on
+        std::vector<std::pair<int, const char*>> a_sets;  // input a by time
+        const char* want;                                 // the output's record
+    };
+    const Row rows[] = {
+        // Both inputs change at 0: two evaluations at 5 write the same value; a pulse shorter than
+        // the delay passes.
+        {"And", "U1(delay=5)", "H", {{0, "L"}, {10, "H"}, {12, "L"}}, "5L 15H 17L "},
+        // A floating net reads U, which the L on the other input doesn't decide; then the H does.
+        {"Or", "U1", "L", {{0, "Z"}, {10, "H"}}, "3u 13H "},
+    };
+    for (const Row& r : rows) {
+        Network n;
+        Gate* gate = n.gate(r.type, r.spec);
+        Port* a = n.source("a");
+        Port* b = n.source("b");
+        n.net("a", {a, gate->port("a")});
+        n.net("b", {b, gate->port("b")});
+        b->set(Value(r.b), 0);
+        for (const auto& [time, letters] : r.a_sets)
+            a->set(Value(letters), time);
+        simulator()->simulate(100);
+        EXPECT_EQ(record_of(*gate->port("out")), r.want) << r.type;
+    }
 }
 
 TEST(GatesTest, LargerDelayBeforeTheEvaluationReadsFurtherBack)
